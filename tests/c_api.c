@@ -1,0 +1,22 @@
+/* The public headers compile as C99 and their functions link from C. */
+#include "QZBaseMath.h"
+#include "QZDT.h"
+#include "QZFLT.h"
+#include "QZMatrix.h"
+#include "QZQuaternions.h"
+
+#include <stdio.h>
+
+int main(void) {
+    int failures = 0;
+    QZVDTState axis = {0};
+    double out = -1.0;
+
+    if (QZ_Floor(-2.5) != -3.0) ++failures;
+    if (QZVDT_OnDT(&axis, 1.0, &out) != 0 || out != -1.0) ++failures; /* refused before init */
+    if (QZVDT_OnInit(&axis, 4.0, 50.0, 100.0) != 1) ++failures;
+    if (QZVDT_OnDT(&axis, 1.0, &out) != 1 || out != 1.0) ++failures;
+
+    printf("%d failures\n", failures);
+    return failures == 0 ? 0 : 1;
+}

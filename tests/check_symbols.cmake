@@ -1,0 +1,67 @@
+# Compares the shared library's dynamic symbol table with the public headers, and checks its
+# imports against the real-time promise. Inputs: LIB, INCLUDE_DIR, SRC_DIR.
+find_program(NM NAMES nm REQUIRED)
+
+# Functions declared in the public headers.
+file(GLOB headers ${INCLUDE_DIR}/*.h)
+set(declared "")
+foreach(h ${headers})
+  file(READ ${h} text)
+  string(REGEX REPLACE "#[^\n]*" "" text "${text}")
+  string(REGEX MATCHALL "QZ_API[^;{(]*[ \t\n*]([A-Za-z_][A-Za-z_0-9]*)[ \t\n]*\\(" decls "${text}")
+  foreach(d ${decls})
+    string(REGEX REPLACE ".*[ \t\n*]([A-Za-z_][A-Za-z_0-9]*)[ \t\n]*\\($" "\\1" name "${d}")
+    list(APPEND declared ${name})
+  endforeach()
+endforeach()
+list(REMOVE_DUPLICATES declared)
+list(LENGTH declared n_declared)
+
+# Functions the library exports.
+execute_process(COMMAND ${NM} -D --defined-only ${LIB} OUTPUT_VARIABLE out COMMAND_ERROR_IS_FATAL ANY)
+string(REPLACE "\n" ";" lines "${out}")
+set(exported "")
+foreach(l ${lines})
+  if(l MATCHES "^[0-9a-f]+ [TWiV] ([^ ]+)$")
+    list(APPEND exported ${CMAKE_MATCH_1})
+  elseif(l MATCHES "^[0-9a-f]+ [BDRGS] ([^ ]+)$")
+    message(SEND_ERROR "exported data symbol: ${CMAKE_MATCH_1}")
+  endif()
+endforeach()
+list(REMOVE_ITEM exported _init _fini)
+
+set(extra ${exported})
+list(REMOVE_ITEM extra ${declared})
+set(missing ${declared})
+list(REMOVE_ITEM missing ${exported})
+if(extra)
+  message(SEND_ERROR "exported but not declared in a public header: ${extra}")
+endif()
+if(missing)
+  message(SEND_ERROR "declared but not exported: ${missing}")
+endif()
+
+# Imports: nothing from the allocator, stdio, iostreams, exceptions or threads.
+execute_process(COMMAND ${NM} -D --undefined-only ${LIB} OUTPUT_VARIABLE out COMMAND_ERROR_IS_FATAL ANY)
+string(REPLACE "\n" ";" lines "${out}")
+set(forbidden "^(malloc|calloc|realloc|free|aligned_alloc|posix_memalign|memalign|valloc|_Zn[wa]|_Zd[la]|.*printf|puts|putchar|fputs|fputc|fwrite|fread|fopen|fclose|fflush|perror|_ZSt4cout|_ZSt4cerr|_ZNSo|_ZNSi|__cxa_throw|__cxa_allocate_exception|__cxa_guard|pthread_|abort|exit|__assert_fail|syscall)")
+foreach(l ${lines})
+  string(REGEX REPLACE "^ *[A-Za-z] " "" sym "${l}")
+  string(REGEX REPLACE "@.*" "" sym "${sym}")
+  if(sym MATCHES "${forbidden}")
+    message(SEND_ERROR "forbidden import: ${sym}")
+  endif()
+endforeach()
+
+# Layering: only the scalar primitives include the standard mathematics library.
+file(GLOB_RECURSE sources ${SRC_DIR}/*.cpp ${SRC_DIR}/*.h)
+foreach(f ${sources})
+  if(NOT f MATCHES "/QZBaseMath/scalar")
+    file(STRINGS ${f} hits REGEX "#include[ \t]*<(cmath|math\\.h)>")
+    if(hits)
+      message(SEND_ERROR "${f} includes the mathematics library directly")
+    endif()
+  endif()
+endforeach()
+
+message(STATUS "${n_declared} functions declared and exported")

@@ -1,0 +1,26 @@
+# Installs the build into a scratch prefix, then builds and runs two consumers against the
+# installed tree only: one through find_package(QZMath), one through pkg-config.
+# Inputs: BUILD_DIR, WORK_DIR, CONSUMER_SRC, C_COMPILER.
+file(REMOVE_RECURSE ${WORK_DIR})
+set(prefix ${WORK_DIR}/prefix)
+execute_process(COMMAND ${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix}
+  OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+
+execute_process(COMMAND ${CMAKE_COMMAND} -S ${CONSUMER_SRC} -B ${WORK_DIR}/build
+  -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_C_COMPILER=${C_COMPILER} COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND ${CMAKE_COMMAND} --build ${WORK_DIR}/build COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND ${WORK_DIR}/build/consumer COMMAND_ERROR_IS_FATAL ANY)
+
+find_program(PKG_CONFIG pkg-config)
+if(PKG_CONFIG)
+  file(GLOB_RECURSE pcs ${prefix}/*/qzmath.pc)
+  list(GET pcs 0 pc)
+  get_filename_component(pcdir ${pc} DIRECTORY)
+  set(ENV{PKG_CONFIG_PATH} ${pcdir})
+  execute_process(COMMAND ${PKG_CONFIG} --cflags --libs qzmath OUTPUT_VARIABLE flags
+    OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+  separate_arguments(flags UNIX_COMMAND "${flags}")
+  execute_process(COMMAND ${C_COMPILER} -std=c99 ${CONSUMER_SRC}/consumer.c ${flags}
+    -Wl,-rpath,${pcdir}/.. -o ${WORK_DIR}/consumer_pc COMMAND_ERROR_IS_FATAL ANY)
+  execute_process(COMMAND ${WORK_DIR}/consumer_pc COMMAND_ERROR_IS_FATAL ANY)
+endif()
