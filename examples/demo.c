@@ -6,10 +6,11 @@
 #include <stdio.h>
 
 #include "QZDT.h"
+#include "demo.h"
 
 static double absd(double x) { return x < 0.0 ? -x : x; }
 
-static void single_axis(void) {
+void demo_single_axis(void) {
     const double cycleMs = 4.0, dt = 0.004;
     const double velLmt = 100.0, accLmt = 200.0, target = 300.0;
     const int cycles = 1700, lowerAt = 300, printEvery = 50;
@@ -43,7 +44,11 @@ static void single_axis(void) {
            peakVel, peakAcc, settled * dt, settled, target - pos);
 }
 
-int main(void) {
-    single_axis();
-    return 0;
+int main(int argc, char **argv) {
+    demo_single_axis();
+    printf("\n");
+    const int rc = demo_arm(argc, argv);
+    printf("\n");
+    demo_filters();
+    return rc;
 }
