@@ -72,7 +72,47 @@ QZ_API uint8_t QZVDT_OnSetRunTimeAcc(QZVDTState *s, double accLmt);
 
 /* ---- One-step fitter -------------------------------------------------------------------- */
 
+/* One-pole low-pass filter on up to eight channels: y = x*alpha + (1 - alpha)*y_prev per channel,
+ * starting from 0. This record has no isInit field: run it only after OneFitterInit. */
+typedef struct OneFitterState {
+    int32_t axisNum;    /* channels in use, as given to OneFitterInit */
+    double state[8];    /* per channel, the last output */
+    double lastOut[8];  /* outputs of the last run, for the caller */
+    double alpha[8];    /* per channel, weight of the new input (1 passes, 0 freezes) */
+} OneFitterState;
+
+/* Sets n channels with coefficients alpha[0..n-1] (not checked) and clears state and lastOut
+ * in all eight slots. A count above 8 is kept in axisNum but only eight coefficients are read
+ * and stored. */
+QZ_API void OneFitterInit(OneFitterState *s, int32_t n, const double *alpha);
+/* Filters one sample per channel into out (which may be the x array). Returns the number of
+ * channels filtered, axisNum capped at 8, or 0 (nothing written) when axisNum < 1. */
+QZ_API int32_t OneFitterRun(OneFitterState *s, const double *x, double *out);
+
 /* ---- Control error comparator ----------------------------------------------------------- */
+
+/* Per joint of seven: the error between two joint vectors passes a dead band of 0.15, is
+ * clamped to errLmt, integrated into integ clamped to integLmt, and the correction
+ * kInteg*integ + kProp*err is clamped to outLmt. Slot 7 of every array is unused. The caller
+ * may overwrite gains and limits after QZ_DCTRL_ErrorCompare_Init. */
+typedef struct QZDCTRLErrorState {
+    double err[8];      /* dead-banded, clamped error of the last call */
+    double integ[8];    /* clamped running sum of err */
+    double kInteg[8];   /* gain on integ: 0.03 base joints 0-3, 0.02 wrist joints 4-6 */
+    double kProp[8];    /* gain on err: 0 */
+    double outLmt[8];   /* correction limit (+-): 0.9 base, 0.6 wrist */
+    double errLmt[8];   /* error limit (+-): 1.5 base, 1.0 wrist */
+    double integLmt[8]; /* integral limit (+-): 30 */
+} QZDCTRLErrorState;
+
+/* Clears err and integ and installs the default gains and limits for joints 0-6 (slot 7 of
+ * every array is set to 0). The int argument is ignored. Returns 1. */
+QZ_API int32_t QZ_DCTRL_ErrorCompare_Init(int32_t unused, QZDCTRLErrorState *s);
+/* One cycle: corr[j] from the error second[j] - first[j] for j = 0..6. corr may be first or
+ * second (each joint is read before its correction is written). The int argument is ignored.
+ * Returns 1. */
+QZ_API int32_t QZ_DCTRL_ErrorCompare(int32_t unused, const double *first, const double *second,
+                                     QZDCTRLErrorState *s, double *corr);
 
 /* ---- N-axis multi-stage tracker --------------------------------------------------------- */
 

@@ -1,0 +1,83 @@
+// Smoothed velocity: parameter refusal, exact arrival in finitely many updates, the flags.
+#include <cmath>
+
+#include "QZFLT.h"
+#include "test_util.h"
+
+using qztest::NextDown;
+using qztest::NextUp;
+using qztest::SameBits;
+
+// Refused parameters leave the defaults (installed first) with the given start value; the
+// bounds themselves and stepMin == stepMax are accepted.
+TEST(SmoothedVelocity, RefusedParametersKeepDefaultsAndStartValue) {
+    const double refused[][3] = {{0.0, 0.1, 0.01}, {1.0, 0.1, 0.01}, {NextDown(1e-9), 0.1, 0.01},
+                                 {NextUp(0.9999999999), 0.1, 0.01}, {0.5, 1e-6, 1e-6},
+                                 {0.5, 0.1, NextDown(1e-5)}, {0.5, 0.1, 0.2}};
+    for (const auto &p : refused) {
+        QZSMVState s{7.0, 0.3, 0.3, 0.3, 1, 1};
+        EXPECT_EQ(QZSMV_OnInit(&s, 0.25, p[0], p[1], p[2]), 0) << p[0] << " " << p[2];
+        EXPECT_TRUE(s.value == 0.25 && s.alpha == 0.002 && s.stepMax == 0.01 &&
+                    s.stepMin == 0.002 && s.isZero + s.isOne == 0);
+    }
+    QZSMVState s{};
+    EXPECT_EQ(QZSMV_OnInit(&s, 0, 1e-9, 1e-5, 1e-5) + QZSMV_OnInit(&s, 0, 0.9999999999, 1, 1), 2);
+}
+
+// 0 -> 1 at stepMax 0.1: nine clamped steps, four halvings, then exactly 1.0 on the 14th update;
+// back to 0 ends exactly at 0.0. The three update functions are mixed on the one record.
+TEST(SmoothedVelocity, RampLandsExactlyAndSetsFlags) {
+    QZSMVState s{};
+    ASSERT_EQ(QZSMV_OnInit(&s, 0.0, 0.5, 0.1, 0.01), 1);
+    const double tail[] = {0.95, 0.975, 0.9875, 0.9975, 1.0};
+    double v = -1.0;
+    uint8_t z = 9, o = 9;
+    for (int k = 1; k <= 14; ++k) {
+        QZSMV_OnUpdateVZO(&s, 1.0, &v, &z, &o);
+        EXPECT_NEAR(v, k <= 9 ? 0.1 * k : tail[k - 10], 1e-12) << k;
+        EXPECT_TRUE(o == (k == 14) && z == 0) << k;
+    }
+    QZSMV_OnUpdateZO(&s, 1.0, &z, &o);
+    EXPECT_TRUE(SameBits(v, 1.0) && SameBits(s.value, 1.0) && o == 1);
+    for (int k = 0; k < 14; ++k) QZSMV_OnUpdateV(&s, 0.0, &v);
+    EXPECT_TRUE(SameBits(v, 0.0) && s.isZero == 1 && s.isOne == 0);
+}
+
+// From anywhere, any accepted parameters reach the target exactly, moving monotonically by at
+// most stepMax and, until the last update, at least stepMin; then the value stays.
+TEST(SmoothedVelocity, ReachesAnyTargetInBoundedUpdates) {
+    auto rng = qztest::Rng();
+    for (int c = 0; c < 2000; ++c) {
+        QZSMVState s{};
+        const double lo = qztest::Uniform(rng, 1e-5, 0.05), hi = lo * qztest::Uniform(rng, 1, 20);
+        const double start = qztest::Uniform(rng, -2, 2), target = qztest::Uniform(rng, -2, 2);
+        ASSERT_EQ(QZSMV_OnInit(&s, start, qztest::Uniform(rng, 1e-9, 0.99), hi, lo), 1);
+        const int bound = static_cast<int>(std::fabs(target - start) / lo) + 1;
+        double v = start;
+        for (int n = 0; v != target; ++n) {
+            ASSERT_LT(n, bound) << "case " << c;
+            const double prev = v;
+            QZSMV_OnUpdateV(&s, target, &v);
+            const double step = std::fabs(v - prev);
+            ASSERT_LE(step, hi * (1 + 1e-12)) << c;
+            ASSERT_LE(std::fabs(target - v), std::fabs(target - prev)) << c;
+            if (v != target) ASSERT_GE(step, lo * (1 - 1e-9)) << c;
+        }
+        QZSMV_OnUpdateV(&s, target, &v);
+        ASSERT_EQ(v, target);
+    }
+}
+
+// Targets within stepMin are taken bit for bit (-0.0 included); the flag bands are open.
+TEST(SmoothedVelocity, ExactTargetsAndOpenFlagBands) {
+    const struct { double w; int zero, one; } cases[] = {
+        {-0.0, 1, 0}, {1e-8, 0, 0}, {NextDown(1e-8), 1, 0}, {-1e-8, 0, 0}, {0.5, 0, 0},
+        {1.0 - std::ldexp(1.0, -27), 0, 1}, {1.0 + std::ldexp(1.0, -26), 0, 0}};
+    for (const auto &c : cases) {
+        QZSMVState s{};
+        double v;
+        QZSMV_OnInit(&s, c.w == 0.0 ? 0.0 : c.w - 0.005, 0.5, 0.1, 0.01);
+        QZSMV_OnUpdateV(&s, c.w, &v);
+        EXPECT_TRUE(SameBits(v, c.w) && s.isZero == c.zero && s.isOne == c.one) << c.w;
+    }
+}
