@@ -12,8 +12,9 @@
  *
  * Records are owned by the caller and hold all state between calls; a record is used by one
  * thread at a time, distinct records are independent. Cycle times are given in milliseconds and
- * kept in seconds. Zero a new record before its first use: every operation other than the
- * initialiser refuses (returns 0, touches nothing) while the record's isInit field is 0.
+ * kept in seconds. Zero a new record before its first use: in the records that carry an isInit
+ * field, every operation other than the initialiser refuses (returns 0, touches nothing) while
+ * that field is 0.
  */
 #ifndef QZ_DT_H
 #define QZ_DT_H
