@@ -117,11 +117,11 @@ QZ_API int32_t QZ_PointToLine(const double *A, const double *B, const double *P,
 
 // Unwraps the difference into (-180, 180] by whole turns. The loop "add 360 while negative" is
 // the mirror image of "subtract 360 while positive" (rounding is symmetric), so one routine
-// serves both directions.
+// serves both directions; only a zero result is not mirrored: -360 + 360 is +0, hence 0 - y.
 QZ_API double QZ_MinDif_Circle(double a, double *b) {
     double d = a - *b;
     if (d > 0.0) d = UnwindDown(d);
-    if (d < 0.0) d = -UnwindDown(-d);
+    if (d < 0.0) d = 0.0 - UnwindDown(-d);
     if (d > 180.0) d = d - kTurnDeg;
     *b = a - d;
     return d > 0.0 ? d : -d;
