@@ -69,12 +69,13 @@ QZ_API uint8_t QZVDT_OnSetRunTimeAcc(QZVDTState *s, double accLmt);
 /* ---- N-axis estimator ------------------------------------------------------------------- */
 
 /* Sample-and-hold of position samples that arrive every cycleMs calls (one call per 1 ms
- * control cycle) with jitter, for up to 8 axes, with a measured and a smoothed velocity. */
+ * control cycle) with jitter, for up to 8 axes, with a measured and a smoothed velocity. The
+ * record has no isInit field: call QZOnInitEst first; its operations always act and return 1. */
 typedef struct QZNEstState {
     int32_t axisNum;        /* number of axes, 1..8 */
     double heldPos[8];      /* position handed out on the last call */
-    double velEst[8];       /* smoothed velocity (units/s): steps of 0.8 (1.5 near zero) towards
-                               velMeas, dropped to 0 after holdLimit calls without a sample */
+    double velEst[8];       /* smoothed velocity (units/s), stepped towards velMeas every call,
+                               dropped to 0 after holdLimit calls without a sample */
     double velMeas[8];      /* measured velocity after the near-limit cut and the clamps */
     double lastSample[8];   /* latest sample */
     double velRaw[8];       /* measured velocity before the cut and the clamps */
