@@ -74,7 +74,63 @@ QZ_API double QZ_Value_Sig(double x);
 
 /* ---- Polynomial solvers ----------------------------------------------------------------- */
 
+/* Coefficients come highest degree first (a x^2 + b x + c, ...). Every solver returns the number
+ * of roots written to indices 0 .. count-1 and leaves the entries beyond the count as they were;
+ * outputs must not alias one another. */
+
+/* Real roots of a x^2 + b x + c (roots[2]). |a| <= 1e-15 solves b x + c (0 roots if also
+ * |b| <= 1e-15); a discriminant within 1e-15 of zero gives the double root once; a negative one
+ * gives 0; otherwise 2 roots in ascending order. */
+QZ_API int32_t QZ_SqureSolve(double a, double b, double c, double *roots);
+/* Real roots of a x^3 + b x^2 + c x + d (roots[3]), by Cardano. Solves the quadratic in b, c, d
+ * when |a| <= 1e-15 or |b / a| > 1e10; |d| <= 1e-15 gives the quadratic's roots then 0. One root
+ * for a positive discriminant, 2 for an exactly zero one (the double root once, first), else 3
+ * with the largest first. */
+QZ_API int32_t QZ_CubicSolve(double a, double b, double c, double d, double *roots);
+/* Smallest strictly positive real root of the cubic (as QZ_CubicSolve) in *out: 1, or 0 with
+ * *out unwritten. */
+QZ_API uint8_t QZ_CubicSolve_Min_Pos(double a, double b, double c, double d, double *out);
+/* Largest strictly negative real root of the cubic (as QZ_CubicSolve) in *out: 1, or 0 with
+ * *out unwritten. */
+QZ_API uint8_t QZ_CubicSolve_Max_Nag(double a, double b, double c, double d, double *out);
+/* Complex roots of a x^2 + b x + c as re[2], im[2]. |a| <= 1e-15 solves b x + c (1 root, or 0
+ * when |b| <= 1e-15); otherwise 2 roots: two real ones (the larger first for a > 0), or for a
+ * discriminant D <= 0 the real part -b/2a twice with imaginary parts +-sqrt(-D)/2a in that order
+ * (a zero discriminant thus gives the double root twice). */
+QZ_API int32_t QZ_Solve2OrderEq(double a, double b, double c, double *re, double *im);
+/* Complex roots of a x^3 + b x^2 + c x + d as re[3], im[3]. a == 0 exactly solves the quadratic;
+ * d == 0 exactly gives the quadratic's roots then 0. Otherwise 3: one real root then a conjugate
+ * pair, or three real roots (a double root listed twice). A tiny nonzero a is divided through. */
+QZ_API int32_t QZ_Solve3OrderEq(double a, double b, double c, double d, double *re, double *im);
+/* Complex roots of a x^4 + b x^3 + c x^2 + d x + e as re[4], im[4], by Ferrari. a == 0 exactly
+ * solves the cubic; e == 0 exactly gives the cubic's roots then 0. Otherwise 4 roots, or 0 with
+ * nothing written when the resolvent's constant 4ce - d^2 - b^2 e (monic form) is exactly 0. */
+QZ_API int32_t QZ_Solve4OrderEq(double a, double b, double c, double d, double e, double *re,
+                                double *im);
+/* The real roots of QZ_Solve4OrderEq in its order (roots[4]): those with |im| <= 1e-16 or
+ * |re| / |im| > 10000, imaginary part dropped. Returns their count. */
+QZ_API int32_t QZ_Solve4OrderEqR(double a, double b, double c, double d, double e, double *roots);
+/* Value at x of p[0] + p[1] x + ... + p[n-1] x^(n-1), constant term first; 0.0 for n <= 0. */
+QZ_API double QZ_SolvePolynomialResult(const double *p, double x, int32_t n);
+
 /* ---- Plane geometry and target helpers -------------------------------------------------- */
+
+/* 180 minus the angle (degrees) between sides a and b of a triangle with third side c: 0 when
+ * straight (c = a + b), 180 when folded (c = 0); impossible sides clamp to these ends. 0.0 when
+ * |a| or |b| <= 1e-16. */
+QZ_API double QZ_CalAngleCDEG(double a, double b, double c);
+/* Foot F[3] of the perpendicular from P[3] to the line through A[3] and B[3]; F may alias any
+ * input. A == B gives a non-finite foot. Returns 1. */
+QZ_API int32_t QZ_PointToLine(const double *A, const double *B, const double *P, double *F);
+/* Shortest angular distance (degrees, in [0, 180]) between a and *b; stores in *b the copy of its
+ * angle, *b plus whole turns, that lies within 180 of a (a difference of 180 stores a - 180).
+ * Bounded time for any difference. A NaN argument gives NaN in both; an infinite difference,
+ * or one beyond 2^62 degrees (where a turn is below the spacing of doubles), also gives NaN in
+ * both. */
+QZ_API double QZ_MinDif_Circle(double a, double *b);
+/* Moves *value one step towards target: down by step above target + step/2, up by step below
+ * target - step/2, else onto target exactly. */
+QZ_API void ValueToTarget(double *value, double target, double step);
 
 #ifdef __cplusplus
 }

@@ -71,6 +71,49 @@ QZ_API uint8_t QZVDT_OnSetRunTimeAcc(QZVDTState *s, double accLmt);
 
 /* ---- N-axis estimator ------------------------------------------------------------------- */
 
+/* Sample-and-hold of position samples that arrive every cycleMs calls (one call per 1 ms
+ * control cycle) with jitter, for up to 8 axes, with a measured and a smoothed velocity. The
+ * record has no isInit field: call QZOnInitEst first; its operations always act and return 1. */
+typedef struct QZNEstState {
+    int32_t axisNum;        /* number of axes, 1..8 */
+    double heldPos[8];      /* position handed out on the last call */
+    double velEst[8];       /* smoothed velocity (units/s), stepped towards velMeas every call,
+                               dropped to 0 after holdLimit calls without a sample */
+    double velMeas[8];      /* measured velocity after the near-limit cut and the clamps */
+    double lastSample[8];   /* latest sample */
+    double velRaw[8];       /* measured velocity before the cut and the clamps */
+    double velLmtCur[8];    /* current velocity limit */
+    double velLmtMax[8];    /* maximum velocity limit */
+    double dt;              /* sample period (s) */
+    int32_t ticksSinceSample; /* calls since the last new sample */
+    int32_t cycleMsInt;     /* sample period in whole ms (truncated) */
+    int32_t holdLimit;      /* calls without a sample after which velEst is dropped (<= 50) */
+    int32_t resetPending;   /* 1: the next step starts afresh from its samples */
+    int32_t lastStamp;      /* stamp of the latest sample */
+    uint8_t nearLimit[8];   /* 1 while the reference velocity is near its maximum (hysteresis) */
+    int32_t sampleCount;    /* samples counted towards the next jitter score */
+    int32_t jitterSum;      /* accumulated arrival penalty (saturates at INT32_MAX) */
+    double jitterScore;     /* last jitter score, 0 (regular) to 100, refreshed every 200 samples */
+} QZNEstState;
+
+/* Initialises n axes (1..8; axisNum keeps n, the axis loops cover at most 8 and none for n <= 0)
+ * with a sample period of cycleMs ms (> 0) and the maximum and current velocity limits (arrays
+ * of n). holdLimit = trunc(5 cycleMs) capped at 50; a NaN or out-of-range truncation gives 0 (50
+ * for holdLimit). Leaves velRaw, lastStamp and nearLimit to the first step; reset-pending. */
+QZ_API void QZOnInitEst(QZNEstState *s, int32_t n, double cycleMs, const double *velLmtMax,
+                        const double *velLmtCur);
+/* Makes the next step start afresh and zeroes the held positions and velocity estimates; the
+ * jitter score survives. Returns 1. */
+QZ_API int32_t QZNEst_OnEmpty(QZNEstState *s);
+/* Sets the current velocity limits (array of axisNum), each capped at its maximum. Returns 1. */
+QZ_API int32_t QZNEst_OnSetRunTimeLmt(QZNEstState *s, const double *velLmtCur);
+/* One control cycle: a stamp different from the last one carries new samples x (stamps wrap
+ * modulo 9993). Writes the held positions to out (may be x) and reads the reference velocities
+ * r only with a new sample, to cut the measured velocity while |r| nears velLmtMax (on above
+ * 0.97, off below 0.85). Returns 1. */
+QZ_API int32_t QZNEst_OnDT(QZNEstState *s, int32_t stamp, const double *x, double *out,
+                           const double *r);
+
 /* ---- One-step fitter -------------------------------------------------------------------- */
 
 /* One-pole low-pass filter on up to eight channels: y = x*alpha + (1 - alpha)*y_prev per channel,
