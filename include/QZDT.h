@@ -67,7 +67,8 @@ QZ_API uint8_t QZVDT_OnSetRunTimeAcc(QZVDTState *s, double accLmt);
 /* Up to eight axes stepped together, each by its own single-axis tracker, with each raw output
  * passed through a moving average whose span (3..30 cycles) is the time the acceleration limit
  * takes to build up at the axis's jerk limit: the smoothed motion is limited in jerk as well.
- * The running sum of a ring is replaced by its exact sum every time the ring wraps. */
+ * The running sum of a ring is replaced by its exact sum every time the ring wraps. An axis
+ * tracker whose isInit the caller has cleared is stepped as refusing: its raw output counts as 0. */
 typedef struct QZNSyncDTSState {
     QZVDTState axis[8];      /* single-axis tracker per axis */
     int32_t axisNum;         /* axes in use, 1..8 */
@@ -86,10 +87,10 @@ typedef struct QZNSyncDTSState {
 } QZNSyncDTSState;
 
 /* Initialises n axes (1..8) from per-axis limits: velocity (units/s), acceleration (units/s^2)
- * and jerk (units/s^3, each in [1, 1e12]); velocity and acceleration are clamped as by
- * QZVDT_OnInit, the span is ((1000 acc / jerk) / cycleMs) cycles from the unclamped values,
- * truncated and clamped to [3, 30] (NaN gives 3). Returns 0, leaving the record unusable
- * (isInit 0), for a bad n or jerk limit; else 1 with a reset pending. */
+ * and jerk (units/s^3, each in [1, 1e12]; a NaN jerk passes); velocity and acceleration are
+ * clamped as by QZVDT_OnInit, the span is ((1000 acc / jerk) / cycleMs) cycles from the
+ * unclamped values, truncated and clamped to [3, 30] (a NaN ratio gives 3). Returns 0, leaving
+ * the record unusable (isInit 0), for a bad n or jerk limit; else 1 with a reset pending. */
 QZ_API uint8_t QZNSyncDTS_OnInit(QZNSyncDTSState *s, int32_t n, double cycleMs, const double *velLmt,
                                  const double *accLmt, const double *jerkLmt);
 /* Makes the next step start every axis afresh at its target. 0 if not initialised. */
@@ -108,7 +109,7 @@ QZ_API uint8_t QZNSyncDTS_OnDT(QZNSyncDTSState *s, const double *target, double 
 /* QZNSyncDTS_OnDT that also writes the smoothed velocities and accelerations. */
 QZ_API uint8_t QZNSyncDTS_OnDT2(QZNSyncDTSState *s, const double *target, double *pos, double *vel,
                                 double *acc);
-/* QZNSyncDTS_OnDT towards the targets of the last step. */
+/* QZNSyncDTS_OnDT towards the targets of the last step (0 if not initialised). */
 QZ_API uint8_t QZNSyncDTS_OnDT_NoChange(QZNSyncDTSState *s, double *pos);
 /* Copies the last targets and the smoothed positions, velocities and accelerations. 0 (nothing
  * written) if not initialised or while a reset is pending. */
@@ -157,7 +158,8 @@ QZ_API uint8_t QZVDT_OnSetRunTimeLmtM(QZVDTMState *s, double velLmt, double accL
 
 /* The N-axis smoothed tracker built on multi-stage trackers: one mode for all axes, spans of
  * 5..100 cycles, jerk limits clamped rather than refused, and the running sums recomputed from
- * their rings after every 1000 steps, at most one axis per call. */
+ * their rings after every 1000 steps, at most one axis per call. A stage whose isInit the
+ * caller has cleared is stepped as refusing: its output counts as 0. */
 typedef struct QZNSyncDTSMState {
     QZVDTMState axis[8];     /* multi-stage tracker per axis */
     int32_t axisNum;         /* axes in use, 1..8 */
