@@ -67,7 +67,89 @@ QZ_API uint8_t QZVDT_OnSetRunTimeAcc(QZVDTState *s, double accLmt);
 
 /* ---- N-axis smoothed tracker ------------------------------------------------------------ */
 
+/* Up to eight axes stepped together, each by its own single-axis tracker, with each raw output
+ * passed through a moving average whose span (3..30 cycles) is the time the acceleration limit
+ * takes to build up at the axis's jerk limit: the smoothed motion is limited in jerk as well.
+ * The running sum of a ring is replaced by its exact sum every time the ring wraps. An axis
+ * tracker whose isInit the caller has cleared is stepped as refusing: its raw output counts as 0. */
+typedef struct QZNSyncDTSState {
+    QZVDTState axis[8];      /* single-axis tracker per axis */
+    int32_t axisNum;         /* axes in use, 1..8 */
+    uint8_t isInit;          /* 1 once initialised */
+    uint8_t resetPending;    /* 1: the next step starts the axes afresh at their targets */
+    double vel[8];           /* smoothed velocity (units/s) */
+    double acc[8];           /* smoothed acceleration (units/s^2) */
+    double pos[8];           /* smoothed position, the last output */
+    double target[8];        /* targets of the last step */
+    double ringBuf[8][100];  /* last raw tracker outputs; the first avgLen slots are used */
+    int32_t avgLen[8];       /* averaging span (cycles), 3..30 */
+    double avgLenD[8];       /* avgLen as a double, the divisor of the average */
+    double avgSum[8];        /* running sum of the used slots */
+    double avgResum[8];      /* sum of the raw outputs entered since ringIdx was last 0 */
+    int32_t ringIdx[8];      /* slot the next raw output overwrites */
+} QZNSyncDTSState;
+
+/* Initialises n axes (1..8) from per-axis limits: velocity (units/s), acceleration (units/s^2)
+ * and jerk (units/s^3, each in [1, 1e12]; a NaN jerk passes); velocity and acceleration are
+ * clamped as by QZVDT_OnInit, the span is ((1000 acc / jerk) / cycleMs) cycles from the
+ * unclamped values, truncated and clamped to [3, 30] (a NaN ratio gives 3). Returns 0, leaving
+ * the record unusable (isInit 0), for a bad n or jerk limit; else 1 with a reset pending. */
+QZ_API uint8_t QZNSyncDTS_OnInit(QZNSyncDTSState *s, int32_t n, double cycleMs, const double *velLmt,
+                                 const double *accLmt, const double *jerkLmt);
+/* Makes the next step start every axis afresh at its target. 0 if not initialised. */
+QZ_API uint8_t QZNSyncDTS_OnEmpty(QZNSyncDTSState *s);
+/* Passes per-axis velocity and acceleration limits to QZVDT_OnSetRunTimeLmt in axis order;
+ * returns 0 at the first axis that refuses (earlier axes keep theirs). Spans are kept. */
+QZ_API uint8_t QZNSyncDTS_OnSetRunTimeLmt(QZNSyncDTSState *s, const double *velLmt, const double *accLmt);
+/* As QZNSyncDTS_OnSetRunTimeLmt, for velocity limits only (QZVDT_OnSetRunTimeVel). */
+QZ_API uint8_t QZNSyncDTS_OnSetRunTimeVel(QZNSyncDTSState *s, const double *velLmt);
+/* As QZNSyncDTS_OnSetRunTimeLmt, for acceleration limits only (QZVDT_OnSetRunTimeAcc). */
+QZ_API uint8_t QZNSyncDTS_OnSetRunTimeAcc(QZNSyncDTSState *s, const double *accLmt);
+/* One control cycle towards target[i]; writes the smoothed positions to pos (which may be the
+ * target array). The first step after initialisation or emptying outputs the targets, with zero
+ * velocity and acceleration. 0 if not initialised (outputs unwritten). */
+QZ_API uint8_t QZNSyncDTS_OnDT(QZNSyncDTSState *s, const double *target, double *pos);
+/* QZNSyncDTS_OnDT that also writes the smoothed velocities and accelerations. */
+QZ_API uint8_t QZNSyncDTS_OnDT2(QZNSyncDTSState *s, const double *target, double *pos, double *vel,
+                                double *acc);
+/* QZNSyncDTS_OnDT towards the targets of the last step (0 if not initialised). */
+QZ_API uint8_t QZNSyncDTS_OnDT_NoChange(QZNSyncDTSState *s, double *pos);
+/* Copies the last targets and the smoothed positions, velocities and accelerations. 0 (nothing
+ * written) if not initialised or while a reset is pending. */
+QZ_API uint8_t QZNSyncDTS_OnGetCurPVA(const QZNSyncDTSState *s, double *target, double *pos, double *vel,
+                                      double *acc);
+/* Copies the smoothed positions, velocities and accelerations, also while a reset is pending
+ * (then they are whatever the record last held). 0 if not initialised. */
+QZ_API uint8_t QZNSyncDTS_OnGetCurPVA_U(const QZNSyncDTSState *s, double *pos, double *vel, double *acc);
+
 /* ---- Multi-stage single-axis tracker ---------------------------------------------------- */
+
+/* A single-axis tracker (stage 0) followed by three correction stages that each track, within a
+ * shrinking band, the error the stages before leave; the commanded position is the sum of the
+ * four stage positions. A blend moves the correction stages' positions back into stage 0 while
+ * the main error is large. Mode 0 is the plain tracker; any other mode runs the cascade, and
+ * mode 1 also slows stage 0 to 69/90 of the velocity limit. */
+typedef struct QZVDTMState {
+    QZVDTState stage[4]; /* stage 0 the main tracker, 1..3 the correction stages */
+    double blend;        /* share of the correction positions moved into stage 0 per step */
+    double corrScale;    /* correction band k: stages 1, 2, 3 work within 10k, 3k, k */
+    int32_t mode;        /* 0: single stage; other: cascade. Set by the caller (see QZVDT_OnInitM) */
+    int32_t targetJump;  /* sticky: set by QZNSyncDTS_OnDTM when the target jumped */
+} QZVDTMState;
+
+/* Initialises the four stages from velocity V and acceleration A (each clamped by
+ * QZVDT_OnInit): stage 0 V (69V/90 in mode 1) and A, stages 1..3 V/6, V/18, V/90 with 2A, 2A, A.
+ * corrScale = 5V/180 clamped to [0.1, 1]. Does NOT store mode: a caller using this record on its
+ * own sets s->mode itself. Returns 1. */
+QZ_API uint8_t QZVDT_OnInitM(QZVDTMState *s, double cycleMs, double velLmt, double accLmt, int32_t mode);
+/* Makes every stage snap on its next step and clears the blend. Returns 1. */
+QZ_API uint8_t QZVDT_OnEmptyM(QZVDTMState *s);
+/* One control cycle towards target; writes the commanded position to *out. 0 (out unwritten) if
+ * stage 0 is not initialised. */
+QZ_API uint8_t QZVDT_OnDT_BM(QZVDTMState *s, double target, double *out);
+/* Run-time limits (unclamped): stage 0 V (69V/90 in mode 1) and A, stages 1..3 V/6, V/18, V/90
+ * with 100A each, through QZVDT_OnSetRunTimeLmt. corrScale is kept. Returns 1. */
+QZ_API uint8_t QZVDT_OnSetRunTimeLmtM(QZVDTMState *s, double velLmt, double accLmt, int32_t mode);
 
 /* ---- N-axis estimator ------------------------------------------------------------------- */
 
@@ -159,6 +241,56 @@ QZ_API int32_t QZ_DCTRL_ErrorCompare(int32_t unused, const double *first, const 
                                      QZDCTRLErrorState *s, double *corr);
 
 /* ---- N-axis multi-stage tracker --------------------------------------------------------- */
+
+/* The N-axis smoothed tracker built on multi-stage trackers: one mode for all axes, spans of
+ * 5..100 cycles, jerk limits clamped rather than refused, and the running sums recomputed from
+ * their rings after every 1000 steps, at most one axis per call. A stage whose isInit the
+ * caller has cleared is stepped as refusing: its output counts as 0. */
+typedef struct QZNSyncDTSMState {
+    QZVDTMState axis[8];     /* multi-stage tracker per axis */
+    int32_t axisNum;         /* axes in use, 1..8 */
+    uint8_t isInit;          /* 1 once initialised */
+    uint8_t resetPending;    /* 1: the next step starts afresh at the targets */
+    double vel[8];           /* smoothed velocity (units/s) */
+    double acc[8];           /* smoothed acceleration (units/s^2) */
+    double rawPos[8];        /* unsmoothed output of each axis's multi-stage step */
+    double pos[8];           /* smoothed position, the last output */
+    double target[8];        /* targets of the last step */
+    double prevTarget[8];    /* targets of the step before, for the jump test */
+    double ringBuf[8][100];  /* last raw outputs; the first avgLen slots are used */
+    int32_t avgLen[8];       /* averaging span (cycles), 5..100 */
+    double avgLenD[8];       /* avgLen as a double, the divisor */
+    double avgSum[8];        /* running sum of the used slots */
+    int32_t resumCount[8];   /* steps since avgSum was last recomputed from the ring */
+    int32_t ringIdx[8];      /* slot the next raw output overwrites */
+} QZNSyncDTSMState;
+
+/* Initialises n axes (1..8) in one mode. Jerk limits are clamped in place to [1000, 1e7] (NaN
+ * kept). Span: 5 in mode 1, 20 in other non-zero modes, and in mode 0 ((1000 acc / jerk) /
+ * cycleMs) cycles (unclamped acc and cycleMs), truncated and clamped to [5, 100] (NaN gives 5).
+ * Returns 0 for a bad n (record left unusable, jerk array untouched); else 1, reset pending. */
+QZ_API uint8_t QZNSyncDTS_OnInitM(QZNSyncDTSMState *s, int32_t n, double cycleMs, const double *velLmt,
+                                  const double *accLmt, double *jerkLmt, int32_t mode);
+/* Makes the next step start every axis afresh at its target. 0 if not initialised. */
+QZ_API uint8_t QZNSyncDTS_OnEmptyM(QZNSyncDTSMState *s);
+/* Per-axis run-time limits through QZVDT_OnSetRunTimeLmtM with the axis's mode; spans are kept.
+ * 0 if not initialised. */
+QZ_API uint8_t QZNSyncDTS_OnSetRunTimeLmtM(QZNSyncDTSMState *s, const double *velLmt, const double *accLmt);
+/* One control cycle towards target[i]; writes the smoothed positions to pos (which may be the
+ * target array) and sets an axis's targetJump when its target moved by more than 1% of stage 0's
+ * velocity limit. The first step after initialisation or emptying outputs the targets. 0 if not
+ * initialised. */
+QZ_API uint8_t QZNSyncDTS_OnDTM(QZNSyncDTSMState *s, const double *target, double *pos);
+/* One control cycle towards the stored targets (no jump test). 0 if not initialised or while a
+ * reset is pending. */
+QZ_API uint8_t QZNSyncDTS_OnDT_UM(QZNSyncDTSMState *s, double *pos);
+/* Copies targets, smoothed positions, velocities and accelerations. 0 if not initialised or
+ * while a reset is pending. */
+QZ_API uint8_t QZNSyncDTS_OnGetCurPVAM(const QZNSyncDTSMState *s, double *target, double *pos, double *vel,
+                                       double *acc);
+/* Copies smoothed positions, velocities and accelerations, also while a reset is pending.
+ * 0 if not initialised. */
+QZ_API uint8_t QZNSyncDTS_OnGetCurPVA_UM(const QZNSyncDTSMState *s, double *pos, double *vel, double *acc);
 
 #ifdef __cplusplus
 }

@@ -1,0 +1,35 @@
+// Helpers shared by the two N-axis trackers, which smooth each axis's raw output by a moving
+// average over a ring of recent outputs.
+#ifndef QZ_DT_SMOOTHING_H
+#define QZ_DT_SMOOTHING_H
+
+#include <cstdint>
+
+namespace qz::detail {
+
+constexpr int kMaxAxes = 8;
+constexpr int kRingSlots = 100;
+
+// Averaging span from the ratio of build-up time to cycle time: truncated toward zero and clamped
+// to [lo, hi]. Compared before converting, so that an infinite or huge ratio gives hi and a NaN
+// gives lo without an out-of-range conversion.
+inline std::int32_t SpanFromRatio(double r, std::int32_t lo, std::int32_t hi) {
+    if (r != r) return lo;
+    if (r > static_cast<double>(hi)) return hi;
+    if (r < static_cast<double>(lo)) return lo;
+    return static_cast<std::int32_t>(r);
+}
+
+// Moving from the previous smoothed position to p over one cycle tau: the new velocity and the
+// acceleration as first and second differences.
+template <class State>
+inline void UpdateDerivatives(State *s, int i, double p, double tau) {
+    const double v = (p - s->pos[i]) / tau;
+    s->acc[i] = (v - s->vel[i]) / tau;
+    s->vel[i] = v;
+    s->pos[i] = p;
+}
+
+}  // namespace qz::detail
+
+#endif
