@@ -69,7 +69,7 @@ TEST(RealRoots, FixturesThroughEveryBranchLeaveTheRestUnwritten) {
         {3, {1, -3, 2, 0}, 3, {1, 2, 0}, 0},                       // zero constant: then 0
         {3, {1e-12, 1, -3, 2}, 2, {1, 2}, 0}, {3, {1e-15, 1, -3, 2}, 2, {1, 2}, 0},
         {3, {1e-10, NextUp(1.0), -3, 2}, 2, {1, 2}, 1e-15},       // b / a just beyond 1e10
-        {3, {-1e-10, -1, 3, -2}, 3, {kAny, kAny, kAny}, 0},         // b / a exactly -1e10: kept
+        {3, {1e-10, -1, 3, -2}, 3, {kAny, kAny, kAny}, 0},          // b / a exactly -1e10: kept
         {3, {1, 0, -3, 2}, 2, {-2, 1}, 0}, {3, {1, -6, 12, -8}, 2, {2, 2}, 0},  // multiple: once
         {4, {2, 3, -4, 5, -6}, 2, {1, -2.7213569329}, 1e-10}, {4, {1, 0, 0, 0, -1}, 0, {}, 0},
         {4, {1, -10, 35, -50, 24}, 4, {4, 3, 2, 1}, 1e-13}};

@@ -43,7 +43,7 @@ TEST(Scalar, SpecialValuesBitForBit) {
         // Floor: whole numbers unchanged (-0.0 too), true floor beyond 32 bits.
         {QZ_Floor, -2.5, -3.0},      {QZ_Floor, -3.0, -3.0},        {QZ_Floor, -1e-300, -1.0},
         {QZ_Floor, -0.0, -0.0},      {QZ_Floor, 0.0, 0.0},          {QZ_Floor, kNaN, kNaN},
-        {QZ_Floor, NextDown(kTwo31), kTwo31 - 1}, {QZ_Floor, kTwo31 + 0.5, kTwo31},
+        {QZ_Floor, NextDown(kTwo31), kTwo31 - 1}, {QZ_Floor, kTwo31, kTwo31}, {QZ_Floor, kTwo31 + 0.5, kTwo31},
         {QZ_Floor, -kTwo31, -kTwo31}, {QZ_Floor, -kTwo31 - 0.5, -kTwo31 - 1},
         {QZ_Floor, -1e15 - 0.25, -1e15 - 1}, {QZ_Floor, 1e300, 1e300}, {QZ_Floor, -kInf, -kInf}};
     for (const auto &r : rows) {
