@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "QZDT.h"
+#include "test_support.h"
 #include "test_util.h"
 
 namespace {
@@ -26,12 +27,6 @@ Limits RandomLimits(std::mt19937_64 &rng) {
         l.jerk[i] = qztest::Uniform(rng, 200.0, 40000.0);
     }
     return l;
-}
-
-double FreshSum(const QZNSyncDTSState &s, int i) {
-    double sum = 0.0;
-    for (int k = 0; k < s.avgLen[i]; ++k) sum = sum + s.ringBuf[i][k];
-    return sum;
 }
 
 TEST(TrackerN, InitRefusesBadAxisCountOrJerkAndLeavesRecordUnusable) {
@@ -127,12 +122,12 @@ TEST(TrackerN, LongRunsRespectLimitsSmoothAndSettle) {
                 ASSERT_LE(std::fabs(s.acc[i] - before.acc[i]), 2 * l.acc[i] / s.avgLenD[i] + 1e-6) << k;
                 const int j = before.ringIdx[i];
                 if (j == 0 && k > s.avgLen[i]) {
-                    ASSERT_TRUE(SameBits(before.avgResum[i], FreshSum(before, i)));
+                    ASSERT_TRUE(SameBits(before.avgResum[i], RingSum(before, i)));
                     const double y = s.ringBuf[i][0];
-                    ASSERT_TRUE(SameBits(s.avgSum[i], (FreshSum(before, i) - before.ringBuf[i][0]) + y));
+                    ASSERT_TRUE(SameBits(s.avgSum[i], (RingSum(before, i) - before.ringBuf[i][0]) + y));
                     ++wraps;
                 }
-                ASSERT_NEAR(s.avgSum[i], FreshSum(s, i), 1e-9);
+                ASSERT_NEAR(s.avgSum[i], RingSum(s, i), 1e-9);
                 ASSERT_TRUE(SameBits(out[i], s.avgSum[i] / s.avgLenD[i]));
             }
         }

@@ -7,17 +7,12 @@
 #include <cstring>
 
 #include "QZDT.h"
+#include "test_support.h"
 #include "test_util.h"
 
 namespace {
 
 using qztest::SameBits;
-
-double FreshSum(const QZNSyncDTSMState &s, int i) {
-    double sum = 0.0;
-    for (int k = 0; k < s.avgLen[i]; ++k) sum = sum + s.ringBuf[i][k];
-    return sum;
-}
 
 TEST(TrackerNMultistage, InitClampsJerkInPlaceAndChoosesSpanByMode) {
     const double v[8] = {10, 10, 10, 10, 10, 10, 10, 10}, a[8] = {100, 100, 100, 10, 100, 5000, 100, 100};
@@ -104,7 +99,7 @@ TEST(TrackerNMultistage, ResummationTakesOneAxisPerCallInOrder) {
     for (int call = 0; call < 8; ++call) {
         ASSERT_EQ(call % 2 ? QZNSyncDTS_OnDT_UM(&s, p) : QZNSyncDTS_OnDTM(&s, t, p), 1);
         for (int i = 0; i < 8; ++i) EXPECT_EQ(s.resumCount[i], i <= call ? call - i : 1001 + call) << call;
-        EXPECT_TRUE(SameBits(s.avgSum[call], FreshSum(s, call))) << call;
+        EXPECT_TRUE(SameBits(s.avgSum[call], RingSum(s, call))) << call;
     }
 }
 
@@ -137,7 +132,7 @@ TEST(TrackerNMultistage, LongRunsSettleWithinLimits) {
             for (int i = 0; i < n; ++i) {
                 ASSERT_TRUE(SameBits(p[i], pa[i])) << run << " " << k;
                 ASSERT_LE(std::fabs(s.vel[i]), v[i] * velBound * (1 + 1e-9)) << run << " " << k;
-                ASSERT_NEAR(s.avgSum[i], FreshSum(s, i), 1e-8);
+                ASSERT_NEAR(s.avgSum[i], RingSum(s, i), 1e-8);
             }
         }
         for (int i = 0; i < n; ++i) EXPECT_NEAR(p[i], t[i], 1e-9) << run << " axis " << i;
