@@ -1,0 +1,21 @@
+# Every function declared with QZ_API in the covered headers has an entry in the runner's table.
+# Inputs: RUNNER, EMULATOR (may be empty), INCLUDE_DIR, HEADERS.
+execute_process(COMMAND ${EMULATOR} ${RUNNER} --list OUTPUT_VARIABLE listed
+                COMMAND_ERROR_IS_FATAL ANY)
+string(REPLACE "\n" ";" listed "${listed}")
+set(missing "")
+foreach(h ${HEADERS})
+  file(READ ${INCLUDE_DIR}/${h} text)
+  string(REGEX REPLACE "#[^\n]*" "" text "${text}")
+  string(REGEX MATCHALL "QZ_API[^;{(]*[ \t\n*]([A-Za-z_][A-Za-z_0-9]*)[ \t\n]*\\(" decls "${text}")
+  foreach(d ${decls})
+    string(REGEX REPLACE ".*[ \t\n*]([A-Za-z_][A-Za-z_0-9]*)[ \t\n]*\\($" "\\1" name "${d}")
+    list(FIND listed ${name} at)
+    if(at EQUAL -1)
+      list(APPEND missing ${name})
+    endif()
+  endforeach()
+endforeach()
+if(missing)
+  message(FATAL_ERROR "declared but without a conformance table entry: ${missing}")
+endif()
