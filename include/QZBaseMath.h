@@ -57,9 +57,11 @@ QZ_API double QZ_Sigmod(double x);
 QZ_API double QZ_ATan2(double y, double x);
 /* Arc cosine in [0, pi] of x clamped to [-1, 1]: never NaN for finite x; NaN gives NaN. */
 QZ_API double QZ_ACOS(double x);
-/* fmax(a, b): a NaN argument is passed over in favour of the other. */
+/* fmax(a, b): a NaN argument is passed over in favour of the other; of +0 and -0 the larger is
+ * +0 on every build (C leaves that tie open). */
 QZ_API double QZ_MAX(double a, double b);
-/* fmin(a, b): a NaN argument is passed over in favour of the other. */
+/* fmin(a, b): a NaN argument is passed over in favour of the other; of +0 and -0 the smaller is
+ * -0 on every build (C leaves that tie open). */
 QZ_API double QZ_MIN(double a, double b);
 /* 1 if -1e-16 <= x <= 1e-16 (both ends included), else 0; NaN gives 0. */
 QZ_API uint8_t QZ_IsZero(double x);

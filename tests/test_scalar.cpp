@@ -55,6 +55,11 @@ TEST(Scalar, SpecialValuesBitForBit) {
     EXPECT_TRUE(QZ_ATan2(0.0, -1.0) == kPi && QZ_ATan2(-0.0, -1.0) == -kPi);  // ordinate first
     EXPECT_TRUE(SameBits(QZ_ATan2(-0.0, 1.0), -0.0) && QZ_ATan2(1.0, 0.0) == kPi / 2);
     EXPECT_TRUE(QZ_MAX(kNaN, -3.0) == -3.0 && QZ_MIN(4.0, kNaN) == 4.0 && QZ_MAX(1, 2) == 2);
+    // The zero tie is fixed whatever the argument order: +0 is the larger zero.
+    for (double a : {0.0, -0.0}) {
+        EXPECT_TRUE(SameBits(QZ_MAX(a, -a), 0.0) && SameBits(QZ_MIN(a, -a), -0.0)) << a;
+        EXPECT_TRUE(SameBits(QZ_MAX(a, a), a) && SameBits(QZ_MIN(a, kNaN), a)) << a;
+    }
 }
 
 // Every cosine is the sine of half pi minus the angle; the pair functions store the sine first,

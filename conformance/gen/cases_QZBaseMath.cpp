@@ -79,7 +79,7 @@ void Scalars(Writer &w) {
 
     w.comment("fmax and fmin: NaN is passed over, signed zeros");
     for (const char *fn : {"QZ_MAX", "QZ_MIN"})
-        Binary(w, fn, {0.0, -0.0, 1.0, -1.0, kInf, -kInf, kNaN}, 40, -5, 5, true);
+        Binary(w, fn, {0.0, -0.0, 1.0, -1.0, kInf, -kInf, kNaN}, 40, -5, 5);
 
     w.comment("zero bands: both ends included, one ulp beyond excluded");
     Unary(w, "QZ_IsZero", Join({Around(1e-16), Around(-1e-16), {1e-15, -1e-300}}), {});

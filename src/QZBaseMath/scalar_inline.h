@@ -35,8 +35,24 @@ inline double ACos(double x) {
     if (x < -1.0) return std::acos(-1.0);
     return std::acos(x > 1.0 ? 1.0 : x);
 }
-inline double Max(double a, double b) { return std::fmax(a, b); }
-inline double Min(double a, double b) { return std::fmin(a, b); }
+// fmax and fmin: a NaN argument is passed over in favour of the other. C leaves the sign of the
+// result open when +0 meets -0, and builds really differ there (glibc's fmax, the compiler's
+// inline maxsd and aarch64's fmaxnm each choose differently); these fix it as IEEE 754 orders
+// the zeros, +0 above -0, so that every build returns the same bits.
+inline double Max(double a, double b) {
+    if (a != a) return b;
+    if (b != b) return a;
+    if (a > b) return a;
+    if (b > a) return b;
+    return std::signbit(a) ? b : a;
+}
+inline double Min(double a, double b) {
+    if (a != a) return b;
+    if (b != b) return a;
+    if (a < b) return a;
+    if (b < a) return b;
+    return std::signbit(a) ? a : b;
+}
 // Closed bands: both ends count as zero, NaN does not.
 inline std::uint8_t IsZero(double x) { return (x >= -kZeroTol && x <= kZeroTol) ? 1 : 0; }
 inline std::uint8_t IsZeroL(double x) { return (x >= -kZeroTolLoose && x <= kZeroTolLoose) ? 1 : 0; }
