@@ -20,7 +20,7 @@ plot() {
   local csv="$build/examples/$1.csv" png="docs/profile_$1.png"
   "./$build/examples/$1" "$csv" >/dev/null
   gnuplot <<EOF
-set terminal pngcairo size 800,900 font "DejaVu Sans,10" linewidth 1.2
+set terminal png size 800,900 font "DejaVu Sans,10"
 set output "$png"
 set datafile separator ","
 set datafile missing "nan"
@@ -33,7 +33,7 @@ set key top right opaque box lc rgb "#bbbbbb" font ",9" samplen 2
 set style textbox opaque noborder
 set xrange [0:4]
 set format x ""
-lim = "lc rgb '#cc0000' dt 2 lw 1.5"
+lim = "lc rgb '#e08080' lw 2"
 
 # A peak beyond the panel's scale is written into the panel (stats runs before the panel sets
 # its y range, which stats would otherwise keep to).
@@ -43,8 +43,8 @@ offscale(r) = (STATS_max > r || STATS_min < -r) ? \\
 set ylabel "position [deg]"
 set yrange [-10:130]
 set ytics 40
-plot "$csv" using "t":"target1" with steps dt 3 lc rgb "#888888" title "target", \
-     "" using "t":"pos1" with lines lc rgb "#0055aa" lw 1.5 title "position"
+plot "$csv" using "t":"target1" with steps lc rgb "#aaaaaa" title "target", \
+     "" using "t":"pos1" with lines lc rgb "#0055aa" lw 2 title "position"
 
 set ylabel "velocity [deg/s]"
 set autoscale y
@@ -52,9 +52,9 @@ stats "$csv" using "vel1" nooutput
 set yrange [-130:130]
 set ytics 50
 set label 1 offscale(130) at graph 0.01, graph 0.9 font ",9" tc rgb "#cc0000" boxed front
-plot "$csv" using "t":"vel1" with lines lc rgb "#0055aa" lw 1.5 title "velocity", \
-     "" using "t":"vlim1" with steps @lim title "limit", \
-     "" using "t":(-column("vlim1")) with steps @lim notitle
+plot "$csv" using "t":"vlim1" with steps @lim title "limit", \
+     "" using "t":(-column("vlim1")) with steps @lim notitle, \
+     "" using "t":"vel1" with lines lc rgb "#0055aa" lw 2 title "velocity"
 
 set ylabel "acceleration [deg/s²]"
 set autoscale y
@@ -62,9 +62,9 @@ stats "$csv" using "acc1" nooutput
 set yrange [-700:700]
 set ytics 300
 set label 1 offscale(700) at graph 0.01, graph 0.9 font ",9" tc rgb "#cc0000" boxed front
-plot "$csv" using "t":"acc1" with lines lc rgb "#0055aa" lw 1.5 title "acceleration", \
-     "" using "t":"alim1" with steps @lim title "limit", \
-     "" using "t":(-column("alim1")) with steps @lim notitle
+plot "$csv" using "t":"alim1" with steps @lim title "limit", \
+     "" using "t":(-column("alim1")) with steps @lim notitle, \
+     "" using "t":"acc1" with lines lc rgb "#0055aa" lw 2 title "acceleration"
 
 set ylabel "jerk [deg/s³]"
 set autoscale y
@@ -74,9 +74,9 @@ set ytics 3000
 set format x "%.1f"
 set xlabel "time [s]"
 set label 1 offscale(6000) at graph 0.01, graph 0.9 font ",9" tc rgb "#cc0000" boxed front
-plot "$csv" using "t":"jerk1" with steps lc rgb "#0055aa" title "jerk", \
-     "" using "t":"jlim1" with lines @lim title "limit", \
-     "" using "t":(-column("jlim1")) with lines @lim notitle
+plot "$csv" using "t":"jlim1" with lines @lim title "limit", \
+     "" using "t":(-column("jlim1")) with lines @lim notitle, \
+     "" using "t":"jerk1" with steps lc rgb "#0055aa" title "jerk"
 unset multiplot
 EOF
   echo "wrote $png"
