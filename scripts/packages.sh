@@ -4,3 +4,5 @@ QZ_BUILD_PACKAGES="g++ make cmake pkg-config"
 QZ_TEST_PACKAGES="$QZ_BUILD_PACKAGES libgtest-dev libbenchmark-dev libeigen3-dev libgsl-dev liborocos-kdl-dev"
 # Determinism matrix: a second compiler, and an aarch64 cross-compiler with a user-mode emulator.
 QZ_DETERMINISM_PACKAGES="$QZ_BUILD_PACKAGES clang g++-aarch64-linux-gnu qemu-user"
+# Motion-profile plots of the tracker examples (scripts/plots.sh).
+QZ_PLOT_PACKAGES="gnuplot-nox"
