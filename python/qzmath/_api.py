@@ -1,0 +1,180 @@
+"""Loading libQZMath.so and declaring the C prototype of every exported function.
+
+The library is looked up, first match wins:
+  1. the QZMATH_LIB environment variable: the library file, or a directory holding it;
+  2. next to this package, then the build directories of the source tree it sits in
+     (build/ first, then the other build*/ directories, most recently built first);
+  3. the system loader (an installed libqzmath-dev).
+A candidate that fails to load (for instance a sanitizer build) is passed over.
+
+Prototypes are declared from the table below, one function a line: name, result type, argument
+types. Types: D double, I32 int32_t, U8 uint8_t, U32 uint32_t, void; a trailing * is a pointer
+(const is immaterial to ctypes), D** an array of row pointers; record names are the records of
+qzmath.records. A name containing {N} stands for the sizes 2 to 8.
+"""
+import ctypes
+import ctypes.util
+import glob
+import os
+
+from . import records
+
+PROTOTYPES = """
+# QZBaseMath
+QZ_Sqrt                      D    D
+QZ_Fabs                      D    D
+QZ_3Root                     D    D
+QZ_SIN_ARC                   D    D
+QZ_COS_ARC                   D    D
+QZ_SIN_DEG                   D    D
+QZ_COS_DEG                   D    D
+QZ_SIN_COS_ARC               void D D* D*
+QZ_SIN_COS_DEG               void D D* D*
+QZ_Sigmod                    D    D
+QZ_ATan2                     D    D D
+QZ_ACOS                      D    D
+QZ_MAX                       D    D D
+QZ_MIN                       D    D D
+QZ_IsZero                    U8   D
+QZ_IsZeroL                   U8   D
+QZ_Floor                     D    D
+QZ_Value_Sig                 D    D
+QZ_SqureSolve                I32  D D D D*
+QZ_CubicSolve                I32  D D D D D*
+QZ_CubicSolve_Min_Pos        U8   D D D D D*
+QZ_CubicSolve_Max_Nag        U8   D D D D D*
+QZ_Solve2OrderEq             I32  D D D D* D*
+QZ_Solve3OrderEq             I32  D D D D D* D*
+QZ_Solve4OrderEq             I32  D D D D D D* D*
+QZ_Solve4OrderEqR            I32  D D D D D D*
+QZ_SolvePolynomialResult     D    D* D I32
+QZ_CalAngleCDEG              D    D D D
+QZ_PointToLine               I32  D* D* D* D*
+QZ_MinDif_Circle             D    D D*
+ValueToTarget                void D* D D
+# QZDT
+QZVDT_OnInit                 U8   QZVDTState* D D D
+QZVDT_OnEmpty                U8   QZVDTState*
+QZVDT_OnDT                   U8   QZVDTState* D D*
+QZVDT_OnSetRunTimeLmt        U8   QZVDTState* D D
+QZVDT_OnSetRunTimeVel        U8   QZVDTState* D
+QZVDT_OnSetRunTimeAcc        U8   QZVDTState* D
+QZNSyncDTS_OnInit            U8   QZNSyncDTSState* I32 D D* D* D*
+QZNSyncDTS_OnEmpty           U8   QZNSyncDTSState*
+QZNSyncDTS_OnSetRunTimeLmt   U8   QZNSyncDTSState* D* D*
+QZNSyncDTS_OnSetRunTimeVel   U8   QZNSyncDTSState* D*
+QZNSyncDTS_OnSetRunTimeAcc   U8   QZNSyncDTSState* D*
+QZNSyncDTS_OnDT              U8   QZNSyncDTSState* D* D*
+QZNSyncDTS_OnDT2             U8   QZNSyncDTSState* D* D* D* D*
+QZNSyncDTS_OnDT_NoChange     U8   QZNSyncDTSState* D*
+QZNSyncDTS_OnGetCurPVA       U8   QZNSyncDTSState* D* D* D* D*
+QZNSyncDTS_OnGetCurPVA_U     U8   QZNSyncDTSState* D* D* D*
+QZVDT_OnInitM                U8   QZVDTMState* D D D I32
+QZVDT_OnEmptyM               U8   QZVDTMState*
+QZVDT_OnDT_BM                U8   QZVDTMState* D D*
+QZVDT_OnSetRunTimeLmtM       U8   QZVDTMState* D D I32
+QZOnInitEst                  void QZNEstState* I32 D D* D*
+QZNEst_OnEmpty               I32  QZNEstState*
+QZNEst_OnSetRunTimeLmt       I32  QZNEstState* D*
+QZNEst_OnDT                  I32  QZNEstState* I32 D* D* D*
+OneFitterInit                void OneFitterState* I32 D*
+OneFitterRun                 I32  OneFitterState* D* D*
+QZ_DCTRL_ErrorCompare_Init   I32  I32 QZDCTRLErrorState*
+QZ_DCTRL_ErrorCompare        I32  I32 D* D* QZDCTRLErrorState* D*
+QZNSyncDTS_OnInitM           U8   QZNSyncDTSMState* I32 D D* D* D* I32
+QZNSyncDTS_OnEmptyM          U8   QZNSyncDTSMState*
+QZNSyncDTS_OnSetRunTimeLmtM  U8   QZNSyncDTSMState* D* D*
+QZNSyncDTS_OnDTM             U8   QZNSyncDTSMState* D* D*
+QZNSyncDTS_OnDT_UM           U8   QZNSyncDTSMState* D*
+QZNSyncDTS_OnGetCurPVAM      U8   QZNSyncDTSMState* D* D* D* D*
+QZNSyncDTS_OnGetCurPVA_UM    U8   QZNSyncDTSMState* D* D* D*
+# QZFLT
+QZAVGF_OnInit                I32  QZAVGFState* I32 I32 D
+QZAVGF_OnEmpty               I32  QZAVGFState*
+QZAVGF_OnFilt                I32  QZAVGFState* D* D* D*
+QZSMV_OnInit                 I32  QZSMVState* D D D D
+QZSMV_OnUpdateV              void QZSMVState* D D*
+QZSMV_OnUpdateVZO            void QZSMVState* D D* U8* U8*
+QZSMV_OnUpdateZO             void QZSMVState* D U8* U8*
+"""
+
+_SCALARS = {
+    "D": ctypes.c_double,
+    "I32": ctypes.c_int32,
+    "U8": ctypes.c_uint8,
+    "U32": ctypes.c_uint32,
+}
+
+_LIB_NAME = "libQZMath.so"
+
+
+def ctype(code):
+    """ctypes type of one type code of the table (None for void)."""
+    stars = len(code) - len(code.rstrip("*"))
+    base = code.rstrip("*")
+    if base == "void":
+        t = None
+    elif base in _SCALARS:
+        t = _SCALARS[base]
+    else:
+        t = records.RECORDS[base]
+    for _ in range(stars):
+        t = ctypes.c_void_p if t is None else ctypes.POINTER(t)
+    return t
+
+
+def prototypes():
+    """Yields (name, result code, [argument codes]) for every function of the table."""
+    for line in PROTOTYPES.splitlines():
+        line = line.split("#", 1)[0].split()
+        if not line:
+            continue
+        name, res, args = line[0], line[1], line[2:]
+        names = [name.replace("{N}", str(n)) for n in range(2, 9)] if "{N}" in name else [name]
+        for nm in names:
+            yield nm, res, args
+
+
+def _candidates():
+    env = os.environ.get("QZMATH_LIB")
+    if env:
+        if os.path.isdir(env):
+            yield from sorted(glob.glob(os.path.join(env, _LIB_NAME + "*")))
+        else:
+            yield env
+    here = os.path.dirname(os.path.abspath(__file__))
+    yield from sorted(glob.glob(os.path.join(here, _LIB_NAME + "*")))
+    root = os.path.dirname(os.path.dirname(here))
+    main = os.path.join(root, "build", _LIB_NAME)
+    if os.path.exists(main):
+        yield main
+    others = [p for p in glob.glob(os.path.join(root, "build*", _LIB_NAME)) if p != main]
+    yield from sorted(others, key=os.path.getmtime, reverse=True)
+    found = ctypes.util.find_library("QZMath")
+    if found:
+        yield found
+    yield _LIB_NAME + ".1"
+
+
+def _load():
+    tried = []
+    for path in _candidates():
+        try:
+            return ctypes.CDLL(path)
+        except OSError as e:
+            tried.append("%s (%s)" % (path, e))
+    raise OSError("libQZMath.so not found; set QZMATH_LIB to the library. Tried:\n  "
+                  + "\n  ".join(tried))
+
+
+def _bind(lib):
+    for name, res, args in prototypes():
+        fn = getattr(lib, name, None)
+        if fn is None:  # an older library without this function: calls fail with AttributeError
+            continue
+        fn.restype = ctype(res)
+        fn.argtypes = [ctype(a) for a in args]
+    return lib
+
+
+lib = _bind(_load())
