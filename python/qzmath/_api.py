@@ -1,11 +1,12 @@
 """Loading libQZMath.so and declaring the C prototype of every exported function.
 
 The library is looked up, first match wins:
-  1. the QZMATH_LIB environment variable: the library file, or a directory holding it;
+  1. the QZMATH_LIB environment variable: the library file, or a directory holding it (when
+     set, that library is loaded or an OSError raised, with no fallback);
   2. next to this package, then the build directories of the source tree it sits in
      (build/ first, then the other build*/ directories, most recently built first);
   3. the system loader (an installed libqzmath-dev).
-A candidate that fails to load (for instance a sanitizer build) is passed over.
+Among the others, sanitizer builds and candidates that fail to load are passed over.
 
 Prototypes are declared from the table below, one function a line: name, result type, argument
 types. Types: D double, I32 int32_t, U8 uint8_t, U32 uint32_t, void; a trailing * is a pointer
@@ -135,13 +136,17 @@ def prototypes():
             yield nm, res, args
 
 
+def _from_env(env):
+    paths = sorted(glob.glob(os.path.join(env, _LIB_NAME + "*"))) if os.path.isdir(env) else [env]
+    for path in paths:
+        try:
+            return ctypes.CDLL(path)
+        except OSError as e:
+            error = e
+    raise OSError("QZMATH_LIB=%s: %s" % (env, error if paths else "no libQZMath.so there"))
+
+
 def _candidates():
-    env = os.environ.get("QZMATH_LIB")
-    if env:
-        if os.path.isdir(env):
-            yield from sorted(glob.glob(os.path.join(env, _LIB_NAME + "*")))
-        else:
-            yield env
     here = os.path.dirname(os.path.abspath(__file__))
     yield from sorted(glob.glob(os.path.join(here, _LIB_NAME + "*")))
     root = os.path.dirname(os.path.dirname(here))
@@ -156,9 +161,26 @@ def _candidates():
     yield _LIB_NAME + ".1"
 
 
+def _sanitized(path):
+    """True for a library built with a sanitizer, which would abort an interpreter that has not
+    preloaded the sanitizer's runtime."""
+    try:
+        with open(path, "rb") as f:
+            data = f.read()
+    except OSError:
+        return False  # a bare name for the system loader
+    return any(rt in data for rt in (b"libasan.so", b"libtsan.so", b"libubsan.so"))
+
+
 def _load():
+    env = os.environ.get("QZMATH_LIB")
+    if env:  # asked for explicitly: that library or none
+        return _from_env(env)
     tried = []
     for path in _candidates():
+        if _sanitized(path):
+            tried.append("%s (a sanitizer build: set QZMATH_LIB and preload its runtime)" % path)
+            continue
         try:
             return ctypes.CDLL(path)
         except OSError as e:

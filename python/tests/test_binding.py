@@ -70,6 +70,13 @@ def test_prototypes_declare_every_header_function_with_its_c_types():
         assert fn.argtypes == [_api.ctype(a) for a in args], name
 
 
+def test_the_library_asked_for_is_the_one_loaded():
+    env = os.environ.get("QZMATH_LIB")
+    if not env or os.path.isdir(env):
+        pytest.skip("QZMATH_LIB does not name a library file")
+    assert os.path.samefile(qzmath.lib._name, env)
+
+
 def test_sequences_of_the_wrong_length_are_refused_before_the_call():
     arm = qzmath.SmoothedTracker(4.0, [50.0] * 3, [100.0] * 3, [1000.0] * 3)
     with pytest.raises(ValueError):
