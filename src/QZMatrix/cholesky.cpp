@@ -1,0 +1,73 @@
+// Cholesky factorization of the leading n-by-n block of a symmetric positive definite matrix held
+// in 6-by-6 or 7-by-7 storage, and the quadratic form v^T M v.
+//
+// The factor is built column by column. Column j of A is read (on and below the diagonal) before
+// column j of L is written and the part above A's diagonal is never read, so L may be A. The
+// reduced diagonal of column j + 1 (the sum of squares of the finished part of its row) is formed
+// as soon as column j is complete; the factorization stops at the first column whose reduced
+// diagonal is zero or negative, leaving the finished columns in L.
+#include "QZMatrix.h"
+#include "QZBaseMath/scalar_inline.h"
+
+#include <limits>
+
+namespace qz::detail {
+namespace {
+
+// S is the row stride of the storage, and so the largest n it can hold.
+template <int S>
+std::int32_t CholeskyStrided(const double *A, double *L, std::int32_t n) {
+    if (n < 1) return 0;
+    if (n > S) return -1;
+    double s = 0.0;
+    for (int j = 0; j < n; ++j) {
+        const double d = A[j * S + j] - s;
+        if (d <= 0.0) return -1;
+        L[j * S + j] = Sqrt(d);
+        for (int i = j + 1; i < n; ++i) {
+            double t = 0.0;
+            for (int k = 0; k < j; ++k) t = t + L[i * S + k] * L[j * S + k];
+            L[i * S + j] = (A[i * S + j] - t) / L[j * S + j];
+        }
+        for (int i = 0; i < j; ++i) L[i * S + j] = 0.0;
+        if (j + 1 == n) return 0;
+        s = 0.0;
+        for (int k = 0; k <= j; ++k) s = s + L[(j + 1) * S + k] * L[(j + 1) * S + k];
+    }
+    return 0;
+}
+
+// The row vector v^T M is formed first, then its product with v.
+double QuadraticForm7(const double *v, const double *M, std::int32_t n) {
+    if (n < 1) return 0.0;
+    // Beyond the 7-by-7 storage there is no quadratic form to give.
+    if (n > 7) return std::numeric_limits<double>::quiet_NaN();
+    double w[7];
+    for (int j = 0; j < n; ++j) {
+        double acc = 0.0;
+        for (int i = 0; i < n; ++i) acc = acc + v[i] * M[i * 7 + j];
+        w[j] = acc;
+    }
+    double r = 0.0;
+    for (int j = 0; j < n; ++j) r = r + w[j] * v[j];
+    return r;
+}
+
+}  // namespace
+}  // namespace qz::detail
+
+extern "C" {
+
+QZ_API int32_t Cholesky(const double *A, double *L, int32_t n) {
+    return qz::detail::CholeskyStrided<6>(A, L, n);
+}
+
+QZ_API int32_t Cholesky7(const double *A, double *L, int32_t n) {
+    return qz::detail::CholeskyStrided<7>(A, L, n);
+}
+
+QZ_API double VMV(const double *v, const double *M, int32_t n) {
+    return qz::detail::QuadraticForm7(v, M, n);
+}
+
+}  // extern "C"
