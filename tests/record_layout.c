@@ -8,6 +8,7 @@
 
 #include "QZDT.h"
 #include "QZFLT.h"
+#include "QZQuaternions.h"
 
 #define F(T, f) printf("%s %s %zu %zu\n", #T, #f, offsetof(T, f), sizeof(((T *)0)->f))
 #define R(T) printf("%s - 0 %zu\n", #T, sizeof(T))
@@ -64,5 +65,9 @@ int main(void) {
     R(QZSMVState);
     F(QZSMVState, value); F(QZSMVState, alpha); F(QZSMVState, stepMax); F(QZSMVState, stepMin);
     F(QZSMVState, isZero); F(QZSMVState, isOne);
+
+    R(QZSlerpFactorState);
+    F(QZSlerpFactorState, initialized); F(QZSlerpFactorState, theta);
+    F(QZSlerpFactorState, sinTheta); F(QZSlerpFactorState, useSpherical);
     return 0;
 }

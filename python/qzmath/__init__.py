@@ -6,7 +6,9 @@
     path = axis.run([10.0] * 500)       # one commanded position per 4 ms cycle
 
 Classes own the library's records (trackers, estimator, filters); the scalar functions are plain
-functions; every exported C function is also reachable with its C prototype as qzmath.lib.NAME.
+functions; vectors, matrices and decompositions are in qzmath.linalg, rotations, Euler angles,
+poses and frames in qzmath.geometry, quaternions and slerp in qzmath.quaternions. Every exported
+C function is also reachable with its C prototype as qzmath.lib.NAME.
 Where a C function reports failure a QZMathError subclass is raised. numpy is optional: any
 sequence is accepted, and results are lists (matrices lists of rows).
 """
@@ -19,6 +21,6 @@ from .scalar import *  # noqa: F401,F403 (the plain functions)
 
 from .trackers import (PVA, MultiStageTracker, SmoothedMultiStageTracker, SmoothedTracker,
                        TargetPVA, Tracker)
-from . import records
+from . import geometry, linalg, quaternions, records
 
 __version__ = "1.0.0"

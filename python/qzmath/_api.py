@@ -97,6 +97,124 @@ QZSMV_OnInit                 I32  QZSMVState* D D D D
 QZSMV_OnUpdateV              void QZSMVState* D D*
 QZSMV_OnUpdateVZO            void QZSMVState* D D* U8* U8*
 QZSMV_OnUpdateZO             void QZSMVState* D U8* U8*
+# QZMatrix
+QZ_VectNorm{N}               I32  D*
+QZ_VectCpy{N}                void D* D*
+QZ_VectAdd{N}                void D* D* D*
+QZ_VectSA{N}                 void D* D D* D*
+QZ_VectSub                   void D* I32 D* D*
+QZ_VectAddX                  void D* I32 D* D*
+QZ_VectDotMult               void D* I32 D* D*
+QZ_VectSAX                   void D* I32 D D* D*
+QZ_VectScale                 void D* I32 D D*
+QZ_VectDot                   D    D* D* I32
+QZ_VectLength                D    D* I32
+QZ_VectNorm                  I32  D* I32
+QZ_VectAngle                 D    D* D* I32
+VectNormalized               void D* I32 D*
+CalShadowVector              void D* D* D* I32
+QZ_VectCross                 void D* D* D*
+QZ_GetVectLenA2B             D    D* D*
+QZ_GetVectNormA2B            I32  D* D* D*
+QZ_GetVectNormLenA2B         I32  D* D* D* D*
+QZ_MatrixMult{N}             void D* D* D*
+QZ_MatrixCpy{N}              void D* D*
+QZ_MatrixIdentity{N}         void D*
+QZ_MatrixAdd{N}              void D* D* D*
+QZ_MatrixTranspose{N}        void D* D*
+QZ_MatrixMult6777            void D* D* D*
+QZ_MatrixMult6776            void D* D* D*
+QZ_MMM44                     void D* D* D*
+QZ_MatrixMult3m4             void D* D* D*
+QZ_MatrixSub67               void D* D* D*
+QZ_MmultDiagM66              void D* D* D*
+QZ_Mat67Transpose            void D* D*
+Mat4433Transpose             void D* D*
+MatTr33                      void D* D*
+MatTr44                      void D* D*
+QZ_MatrixMultVect3           void D* D* D*
+QZ_MatrixMultVect4           void D* D* D*
+QZ_MatrixMultVect6           void D* D* D*
+QZ_MatrixMultVect7           void D* D* D*
+QZ_Matrix67MultVect7         void D* D* D*
+QZ_Matrix76MultVect6         void D* D* D*
+QZ_MVmult43                  void D* D* D*
+QZ_VMmult1666                void D* D* D*
+QZ_VMmult1777                void D* D* D*
+QZ_MatrixAddX                void D** I32 I32 D** D**
+QZ_MatrixTransposeXX         void D** I32 I32 D**
+QZ_MatrixMultXmX             void D** I32 I32 D** I32 D**
+QZ_MatrixMultVectX           void D** I32 I32 D* D*
+QZ_MatrixInv{N}              U8   D* D*
+QZ_PGMatrixInv               U8   D* D*
+QZ_MatrixDeterminant         D    D* I32
+QZ_MatLUPD                   I32  D** I32 I32 I32*
+QZ_LUPSolveEq                void D** I32 I32* D* D*
+QZ_MatLUPDet                 D    D** I32 I32*
+QZ_MatLUPInv                 void D** I32 I32* D**
+QZ_LeftPsoInv76              U8   D* D*
+QZ_RightPsoInv67             U8   D* D*
+Cholesky                     I32  D* D* I32
+Cholesky7                    I32  D* D* I32
+VMV                          D    D* D* I32
+eig                          U8   I32 D* D* D
+eig7                         U8   D* D* D
+generalized_eig              U8   D D* D* D* D*
+generalized_eig7             U8   D D* D* D* D*
+QZ_RotXARC                   void D D*
+QZ_RotYARC                   void D D*
+QZ_RotZARC                   void D D*
+QZ_ZYZ2Matrix                void D D D D*
+QZ_Matrix2ZYZ                U32  D* D*
+QZ_Matrix42ZYZ               U32  D* D*
+QZ_Matrix2XYZ                U32  D* D*
+QZ_Matrix42XYZ               U32  D* D*
+QZ_XYZABC2Matrix4ARC         void D* D*
+QZ_XYZABC2Matrix4DEG         void D* D*
+QZ_Matrix2XYZABC4ARC_ZYZ     U32  D* D*
+QZ_Matrix2XYZABC4DEG_ZYZ     U32  D* D*
+QZ_Matrix2XYZABC4ARC_XYZ     U32  D* D*
+QZ_Matrix2XYZABC4DEG_XYZ     U32  D* D*
+QZ_ABC2Matrix3ARC            U32  D* D*
+QZ_ABC2Matrix3DEG            U32  D* D*
+QZ_XYZMRot                   void D* D D D*
+QZ_CALC_TRANS_FROM_Rotxyz    void D* D*
+QZ_DH2Matrix                 void D D D D D*
+QZ_Skew                      void D* D*
+QZ_LOperator                 void D* D*
+QZ_LineCross                 U32  D* D* D* D* D*
+QZ_VectAddMV                 void D* D** I32 I32 D* D*
+QZ_JACOB_TRAN_T66            void D* D* D*
+QZ_JACOB_TRAN_T67            void D* D* D*
+QZ_JACOBI_TRANS_T67          void D* D* D*
+Mat67Transpose               void D* D*
+MVmult677                    void D* D* D*
+# QZQuaternions
+QZ_QuatMult                  void D* D* D*
+QZ_QuaternionNorm            U32  D*
+QZ_QuaternionSqrtNorm        D    D*
+QZ_QuaternionConjugate       void D* D*
+QZ_QuaternionInverse         U32  D* D*
+QZ_QuaternionAngleDeg        D    D* D*
+QZ_QuaternionAngleArc        D    D* D*
+QZ_Matrix2Quaternion3        void D* D*
+QZ_Matrix2Quaternion4        void D* D*
+QZ_Quaternion2Matrix3        void D* D*
+QZ_Quaternion2Matrix4        void D* D*
+QZ_Matrix2PosQuat            void D* D*
+QZ_PosQuat2Matrix_UnNorm     U32  D* D*
+QZ_PosQuat2Matrix            void D* D*
+QZ_XYZABC2XYZQ               U32  D*
+QZ_QuatSlerp                 void D* D* D D*
+QZ_QuatSlerpL                void D* D* D D*
+QZ_QuatSlerpFactor           void D* D* D D* QZSlerpFactorState*
+QZ_QuatSlerpFactorL          void D* D* D D* QZSlerpFactorState*
+QZ_QuatSlerpDir              I32  D* D* D*
+axis_angle_to_rotmat         void D* D*
+rotmat_to_axis_angle         void D* D*
+AngleMult                    void D* D* D*
+relative_rotation            void D* D* D*
+relative_Angle               void D* D* D*
 """
 
 _SCALARS = {

@@ -57,6 +57,51 @@ def per_axis(seq, n, what):
     return buf
 
 
+def shape_of(m):
+    """(rows, cols) of a matrix given as rows or as a 2-D numpy array; None for a flat
+    sequence."""
+    shape = getattr(m, "shape", None)
+    if shape is not None:
+        return tuple(shape) if len(shape) == 2 else None
+    m = list(m)
+    if m and not isinstance(m[0], (str, bytes)) and hasattr(m[0], "__iter__"):
+        cols = {len(list(r)) for r in m}
+        if len(cols) != 1:
+            raise ValueError("matrix rows differ in length")
+        return len(m), cols.pop()
+    return None
+
+
+def square(m, what="matrix", sizes=None):
+    """C array of an n-by-n matrix (rows, or flat n*n) and n."""
+    values = [float(x) for x in _flat(m)]
+    shape = shape_of(m)
+    n = int(round(len(values) ** 0.5))
+    if shape is not None and shape[0] != shape[1] or n * n != len(values):
+        raise ValueError("%s: not square" % what)
+    if sizes is not None and n not in sizes:
+        raise ValueError("%s: size %d not supported (%s)" % (what, n, ", ".join(map(str, sizes))))
+    return (_D * (n * n))(*values), n
+
+
+def rows_of(m, what="matrix"):
+    """A matrix given as rows as separate C row arrays, an array of row pointers to them, and
+    its shape. A flat sequence is taken as a single row."""
+    shape = shape_of(m)
+    values = [float(x) for x in _flat(m)]
+    rows, cols = shape if shape is not None else (1, len(values))
+    return row_pointers(values, rows, cols) + (rows, cols)
+
+
+def row_pointers(values, rows, cols):
+    """(row arrays, row-pointer array) holding values row-major; the row arrays must be kept
+    alive as long as the pointers are used."""
+    arrays = [(_D * max(cols, 1))(*values[r * cols:(r + 1) * cols]) for r in range(rows)]
+    ptrs = (ctypes.POINTER(_D) * max(rows, 1))(*[ctypes.cast(a, ctypes.POINTER(_D))
+                                                  for a in arrays])
+    return arrays, ptrs
+
+
 def to_list(arr, n=None):
     """The first n (default all) elements of a C array as a list of floats."""
     return list(arr[: len(arr) if n is None else n])

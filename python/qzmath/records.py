@@ -160,7 +160,17 @@ class QZSMVState(ctypes.Structure):
     ]
 
 
+class QZSlerpFactorState(ctypes.Structure):
+    """Cached angle of one pair of quaternions for repeated slerp."""
+    _fields_ = [
+        ("initialized", _u8),
+        ("theta", _d),
+        ("sinTheta", _d),
+        ("useSpherical", _u8),
+    ]
+
+
 # Every record, for layout checks and for the prototype table.
 RECORDS = {cls.__name__: cls for cls in (
     QZVDTState, QZNSyncDTSState, QZVDTMState, QZNEstState, OneFitterState, QZDCTRLErrorState,
-    QZNSyncDTSMState, QZAVGFState, QZSMVState)}
+    QZNSyncDTSMState, QZAVGFState, QZSMVState, QZSlerpFactorState)}
