@@ -2,6 +2,8 @@
 QZ_BUILD_PACKAGES="g++ make cmake pkg-config"
 # Test framework and the peer libraries used as test and benchmark oracles.
 QZ_TEST_PACKAGES="$QZ_BUILD_PACKAGES libgtest-dev libbenchmark-dev libeigen3-dev libgsl-dev liborocos-kdl-dev"
+# The Python binding's tests, and the plots of its tuning example.
+QZ_TEST_PACKAGES="$QZ_TEST_PACKAGES python3 python3-pytest python3-matplotlib"
 # Determinism matrix: a second compiler, and an aarch64 cross-compiler with a user-mode emulator.
 QZ_DETERMINISM_PACKAGES="$QZ_BUILD_PACKAGES clang g++-aarch64-linux-gnu qemu-user"
 # Motion-profile plots of the tracker examples (scripts/plots.sh).

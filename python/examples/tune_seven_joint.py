@@ -1,0 +1,150 @@
+#!/usr/bin/env python3
+"""Tunes a seven-joint move offline: sweeps the jerk limit (and with it the averaging span of the
+N-axis smoothed tracker) and reports, for each setting, how long the arm takes to settle on its
+target and the largest jerk any joint sees.
+
+    python3 tune_seven_joint.py                       # table, and tune_seven_joint.png
+    python3 tune_seven_joint.py --jerk-scales 0.5,1,2 --tracker multistage --out sweep.png
+
+The PNG (velocity, acceleration and jerk of the slowest joint over time for each setting, and
+settle time against peak jerk) is written when matplotlib is installed (Debian:
+python3-matplotlib); the table is printed in every case. The library is found as the qzmath
+package finds it (QZMATH_LIB, the source tree's build directory, or the installed package).
+"""
+import argparse
+import os
+import sys
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+import qzmath  # noqa: E402
+
+# One arm, in degrees: per-joint limits, and a move from START to TARGET.
+VEL = [98, 98, 100, 130, 140, 180, 180]              # deg/s
+ACC = [300, 300, 350, 450, 500, 600, 600]            # deg/s^2
+JERK = [3000, 3000, 3500, 5000, 6000, 8000, 8000]    # deg/s^3
+START = [0, -30, 0, 60, 0, 45, 0]
+TARGET = [90, 20, -45, 100, 60, -30, 120]
+SETTLE_TOL = 1e-3  # deg
+
+
+def simulate(tracker, cycle_ms, jerk_scale, cycles):
+    """Runs the move; returns spans, time, and per cycle the positions, velocities and
+    accelerations of every joint."""
+    jerk = [j * jerk_scale for j in JERK]
+    if tracker == "multistage":
+        arm = qzmath.SmoothedMultiStageTracker(cycle_ms, VEL, ACC, jerk, mode=0)
+    else:
+        arm = qzmath.SmoothedTracker(cycle_ms, VEL, ACC, jerk)
+    arm.step(START)  # the first step puts the arm at rest where it is
+    frames = arm.run(TARGET, cycles)
+    dt = cycle_ms / 1000.0
+    return arm.spans, [dt * (k + 1) for k in range(cycles)], frames
+
+
+def settle_time(times, frames):
+    """First time from which every joint stays within SETTLE_TOL of its target."""
+    last_out = -1
+    for k, f in enumerate(frames):
+        if any(abs(p - t) > SETTLE_TOL for p, t in zip(f.pos, TARGET)):
+            last_out = k
+    return times[last_out + 1] if last_out + 1 < len(times) else float("nan")
+
+
+def jerk_profiles(frames, dt):
+    """Per cycle, the jerk of every joint: the difference of successive accelerations."""
+    return [[(b - a) / dt for a, b in zip(f0.acc, f1.acc)] for f0, f1 in zip(frames, frames[1:])]
+
+
+def sweep(args):
+    rows = []
+    dt = args.cycle_ms / 1000.0
+    for scale in args.jerk_scales:
+        spans, times, frames = simulate(args.tracker, args.cycle_ms, scale, args.cycles)
+        jerks = jerk_profiles(frames, dt)
+        peak_jerk = max(abs(j) for row in jerks for j in row)
+        peak_acc = max(abs(a) for f in frames for a in f.acc)
+        # Averaging bounds the jerk by the acceleration change over the span: at most the jerk
+        # limit where the acceleration starts or stops, twice it where it reverses.
+        ratio = max(abs(row[j]) / (JERK[j] * scale) for row in jerks for j in range(7))
+        rows.append(dict(scale=scale, spans=spans, times=times, frames=frames, jerks=jerks,
+                         settle=settle_time(times, frames), peak_jerk=peak_jerk,
+                         peak_acc=peak_acc, jerk_ratio=ratio))
+    return rows
+
+
+def print_table(rows, tracker):
+    print("seven-joint move, %s tracker: jerk limit scaled, span in cycles per joint" % tracker)
+    print("%-8s %-26s %9s %10s %11s %12s" % ("jerk x", "spans", "settle s", "peak acc",
+                                               "peak jerk", "jerk/limit"))
+    for r in rows:
+        print("%-8g %-26s %9.3f %10.1f %11.1f %12.2f" % (
+            r["scale"], ",".join(map(str, r["spans"])), r["settle"], r["peak_acc"],
+            r["peak_jerk"], r["jerk_ratio"]))
+
+
+def plot(rows, path, joint):
+    try:
+        import matplotlib
+        matplotlib.use("Agg")
+        import matplotlib.pyplot as plt
+    except ImportError:
+        return False
+    fig, ax = plt.subplots(2, 2, figsize=(12, 8))
+    (av, aa), (aj, asum) = ax
+    shown = 0.5 + max(r["settle"] for r in rows)  # seconds: the move and a little rest
+    for r in rows:
+        label = "jerk x%g (span %d)" % (r["scale"], r["spans"][joint])
+        k = sum(1 for t in r["times"] if t <= shown)
+        t = r["times"][:k]
+        av.plot(t, [f.vel[joint] for f in r["frames"][:k]], label=label)
+        aa.plot(t, [f.acc[joint] for f in r["frames"][:k]], label=label)
+        line, = aj.plot(t[1:], [j[joint] for j in r["jerks"][:k - 1]], label=label)
+        for sign in (1, -1):
+            aj.axhline(sign * JERK[joint] * r["scale"], color=line.get_color(), linestyle=":",
+                       linewidth=0.8)
+    for a, lim, name in ((av, VEL[joint], "velocity (deg/s)"),
+                         (aa, ACC[joint], "acceleration (deg/s^2)"),
+                         (aj, None, "jerk (deg/s^3), limits dotted")):
+        if lim is not None:
+            for s in (1, -1):
+                a.axhline(s * lim, color="grey", linestyle="--", linewidth=0.8)
+        a.set_xlabel("time (s)")
+        a.set_ylabel(name)
+        a.set_title("joint %d: %s" % (joint + 1, name.split(" ")[0]))
+    av.legend(fontsize="small")
+    asum.plot([r["peak_jerk"] for r in rows], [r["settle"] for r in rows], "o-")
+    for r in rows:
+        asum.annotate("x%g" % r["scale"], (r["peak_jerk"], r["settle"]),
+                      textcoords="offset points", xytext=(4, 4))
+    asum.set_xlabel("peak jerk, any joint (deg/s^3)")
+    asum.set_ylabel("settle time (s)")
+    asum.set_title("settle time against peak jerk")
+    fig.tight_layout()
+    fig.savefig(path, dpi=100)
+    return True
+
+
+def main(argv=None):
+    p = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
+    p.add_argument("--tracker", choices=("smoothed", "multistage"), default="smoothed")
+    p.add_argument("--cycle-ms", type=float, default=4.0)
+    p.add_argument("--cycles", type=int, default=1000, help="cycles simulated per setting")
+    p.add_argument("--jerk-scales", default="0.25,0.5,1,2,4",
+                   type=lambda s: [float(x) for x in s.split(",")],
+                   help="jerk limits are the arm's times each of these")
+    p.add_argument("--out", default="tune_seven_joint.png", help="PNG to write")
+    p.add_argument("--no-plot", action="store_true")
+    args = p.parse_args(argv)
+    rows = sweep(args)
+    print_table(rows, args.tracker)
+    slowest = max(range(7), key=lambda j: abs(TARGET[j] - START[j]) / VEL[j])
+    if not args.no_plot:
+        if plot(rows, args.out, slowest):
+            print("plot: %s" % args.out)
+        else:
+            print("matplotlib not installed: no plot")
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,101 @@
+"""The binding against the C side: record layouts, prototypes, argument checks."""
+import ctypes
+import os
+import re
+import subprocess
+
+import pytest
+
+import qzmath
+from qzmath import _api, records
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+
+
+def c_layout():
+    probe = os.environ.get("QZMATH_RECORD_LAYOUT")
+    if not probe:
+        pytest.skip("QZMATH_RECORD_LAYOUT (the record_layout program) not set")
+    layout = {}
+    for line in subprocess.run([probe], check=True, capture_output=True,
+                               text=True).stdout.splitlines():
+        rec, field, offset, size = line.split()
+        layout.setdefault(rec, []).append((field, int(offset), int(size)))
+    return layout
+
+
+def test_every_record_matches_the_c_layout_field_for_field():
+    layout = c_layout()
+    assert sorted(layout) == sorted(records.RECORDS)
+    for name, cls in records.RECORDS.items():
+        expected = layout[name]
+        assert expected[0] == ("-", 0, ctypes.sizeof(cls)), name
+        mirrored = [(f, getattr(cls, f).offset, getattr(cls, f).size) for f, _ in cls._fields_]
+        assert mirrored == expected[1:], name
+
+
+def header_prototypes():
+    inc = os.environ.get("QZMATH_INCLUDE", os.path.join(HERE, "..", "..", "include"))
+    if not os.path.isdir(inc):
+        pytest.skip("public headers not found")
+    found = {}
+    for h in sorted(os.listdir(inc)):
+        text = open(os.path.join(inc, h)).read()
+        text = re.sub(r"/\*.*?\*/", " ", text, flags=re.S)
+        for m in re.finditer(r"QZ_API\s+([^;#]*?)\b(\w+)\s*\(([^)]*)\)\s*;", text):
+            args = [a for a in m.group(3).split(",") if a.strip() not in ("", "void")]
+            found[m.group(2)] = (code(m.group(1)), [code(a, named=True) for a in args])
+    return found
+
+
+def code(decl, named=False):
+    """Type code of the binding's table for a C declaration."""
+    decl = decl.replace("const", " ")
+    if named:
+        decl = re.sub(r"\w+\s*$", "", decl.strip())
+    stars = decl.count("*")
+    base = decl.replace("*", " ").split()[0]
+    base = {"double": "D", "int32_t": "I32", "uint8_t": "U8", "uint32_t": "U32"}.get(base, base)
+    return base + "*" * stars
+
+
+def test_prototypes_declare_every_header_function_with_its_c_types():
+    headers = header_prototypes()
+    table = {name: (res, args) for name, res, args in _api.prototypes()}
+    assert sorted(table) == sorted(headers)
+    for name, (res, args) in headers.items():
+        assert table[name] == (res, args), name
+        fn = getattr(qzmath.lib, name)  # present in the library loaded
+        assert fn.restype == _api.ctype(res), name
+        assert fn.argtypes == [_api.ctype(a) for a in args], name
+
+
+def test_the_library_asked_for_is_the_one_loaded():
+    env = os.environ.get("QZMATH_LIB")
+    if not env or os.path.isdir(env):
+        pytest.skip("QZMATH_LIB does not name a library file")
+    assert os.path.samefile(qzmath.lib._name, env)
+
+
+def test_sequences_of_the_wrong_length_are_refused_before_the_call():
+    arm = qzmath.SmoothedTracker(4.0, [50.0] * 3, [100.0] * 3, [1000.0] * 3)
+    with pytest.raises(ValueError):
+        arm.step([1.0, 2.0])
+    with pytest.raises(ValueError):
+        arm.set_limits(vel=[1.0] * 4)
+    with pytest.raises(ValueError):
+        qzmath.SmoothedTracker(4.0, [50.0] * 9, [100.0] * 9, [1000.0] * 9)
+    with pytest.raises(ValueError):
+        qzmath.point_to_line([0, 0], [1, 0, 0], [0, 1, 0])
+    # Errors from the wrapper are not library failures.
+    with pytest.raises(ValueError) as e:
+        arm.step([1.0])
+    assert not isinstance(e.value, qzmath.QZMathError)
+
+
+def test_numpy_arrays_are_accepted_where_installed():
+    np = pytest.importorskip("numpy")
+    arm = qzmath.SmoothedTracker(4.0, np.full(2, 50.0), np.full(2, 100.0), np.full(2, 1e3))
+    assert arm.step(np.array([1.0, -1.0])) == [1.0, -1.0]
+    assert qzmath.point_to_line(np.zeros(3), np.array([1.0, 0, 0]), np.array([2.0, 5, 0])) == \
+        [2.0, 0.0, 0.0]
