@@ -80,4 +80,13 @@ TEST(SmoothedVelocity, ExactTargetsAndOpenFlagBands) {
         QZSMV_OnUpdateV(&s, c.w, &v);
         EXPECT_TRUE(SameBits(v, c.w) && s.isZero == c.zero && s.isOne == c.one) << c.w;
     }
+    // A target exactly stepMin away (the difference rounds to 0.5) is outside the open band: the
+    // value moves by stepMin to 0.5 and does not jump to the target one ulp beyond.
+    for (double sg : {1.0, -1.0}) {
+        QZSMVState s{};
+        double v;
+        ASSERT_EQ(QZSMV_OnInit(&s, sg * 0x1p-54, 0.5, 1.0, 0.5), 1);
+        QZSMV_OnUpdateV(&s, sg * NextUp(0.5), &v);
+        EXPECT_TRUE(SameBits(v, sg * 0.5)) << v;
+    }
 }
