@@ -5,6 +5,7 @@
 #   scripts/fuzz.sh [SECONDS]     each target for SECONDS (default 300)
 #   QZ_FUZZ_RUNS=N scripts/fuzz.sh   each target for N executions instead
 #   QZ_FUZZ_TARGETS="fuzz_dt"        only these targets
+#   QZ_FUZZ_MAXLEN=256               shorter inputs (more executions per second; default 4096)
 #   QZ_FUZZ_MERGE=1                  afterwards, fold the new inputs that add coverage into the
 #                                    committed corpus (a deliberate act: review and commit it)
 #
@@ -30,7 +31,7 @@ for t in $targets; do
   log="$build/fuzz/$t.log"
   echo "== $t ($limit)"
   start=$(date +%s)
-  if "$build/fuzz/$t" $limit -timeout=10 -rss_limit_mb=2048 -max_len=4096 -print_final_stats=1 \
+  if "$build/fuzz/$t" $limit -timeout=10 -rss_limit_mb=2048 -max_len="${QZ_FUZZ_MAXLEN:-4096}" -print_final_stats=1 \
        -artifact_prefix="$artifacts/$t-" "$scratch" "fuzz/corpus/$t" >"$log" 2>&1; then
     echo "   clean"
   else
