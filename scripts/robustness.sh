@@ -30,7 +30,8 @@ tsan() {
   cmake --build $b -j"$jobs" >/dev/null
   # halt_on_error makes any report fail the run, not just the test that saw it.
   (cd $b && TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1" ctest --output-on-failure -j"$jobs" \
-     -LE soak -E "install_and_consume")
+     -LE soak -E "install_and_consume" >ctest.log 2>&1; rc=$?
+   grep -E "tests passed|tests failed|WARNING: ThreadSanitizer" ctest.log | sed 's/^/   /'; exit $rc)
 }
 
 memcheck() {
