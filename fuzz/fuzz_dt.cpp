@@ -38,10 +38,11 @@ double Param(Input &in, double lo, double hi) {
     return (in.Byte() & 3) == 0 ? in.Double() : in.Within(lo, hi);
 }
 
-// Steps in a run: mostly a few, sometimes over a thousand (past the periodic re-summing).
+// Steps in a run: mostly a few, rarely over a thousand (past the periodic re-summing; such runs
+// cost as much as hundreds of ordinary inputs, so they are kept rare).
 int RunLength(Input &in) {
     const int k = in.Byte();
-    return k >= 250 ? 1000 + 16 * (k - 250) : 1 + k % 16;
+    return k == 255 ? 1000 + 8 * in.Byte() : 1 + k % 8;
 }
 
 // Target of step k of a run: fixed, ramping, or alternating between two values.

@@ -74,11 +74,13 @@ void Avg(Input &in, Records &R, int op) {
             return;
         }
         default: {
-            // A run of samples: a noisy ramp, long enough (up to 400 samples) to wrap any ring.
+            // A run of samples on a noisy ramp: mostly a few, sometimes enough (up to 400) to wrap
+            // any ring several times.
             In<8> x;
             x.Fill(in);
             const double rate = (in.Byte() & 3) == 0 ? in.Double() : in.Within(-1.0, 1.0);
-            const int k = 1 + in.Byte() % 100 * 4;
+            const std::uint8_t len = in.Byte();
+            const int k = len < 224 ? 1 + len % 16 : 4 * (len - 124);
             for (int i = 0; i < k; ++i) {
                 QZ_UNPOISON(&x[0], sizeof(double) * 8);
                 for (int j = 0; j < 8; ++j) x[j] = x[j] + ((i * 7 + j) % 5 - 2) * rate;
@@ -106,7 +108,8 @@ void Smv(Input &in, Records &R, int op) {
         }
         default: {
             const double target = in.Double();
-            const int k = op == 1 ? 1 : 1 + in.Byte();
+            const std::uint8_t len = op == 1 ? 0 : in.Byte();
+            const int k = len < 240 ? 1 + len % 16 : 256;
             for (int i = 0; i < k; ++i) {
                 Out<double, 1> v;
                 Out<std::uint8_t, 2> flags;
