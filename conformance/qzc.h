@@ -21,6 +21,7 @@ enum {
     QZC_MAXX = 128,  /* in/out doubles (given before the call, compared after) */
     QZC_MAXO = 256,  /* double outputs */
     QZC_MAXB = 16,   /* uint8 outputs */
+    QZC_MAXN = 32,   /* int32 outputs */
     QZC_GUARD = 8,
     QZC_RECMAX = 32768, /* largest record */
     QZC_RECGUARD = 64   /* guard bytes after a record */
@@ -29,6 +30,7 @@ enum {
 /* Sentinels: outputs a call leaves unwritten keep these bits, so "unwritten" is checked too. */
 #define QZC_SENTINEL_D 0x7ffa5a5a5a5a0000ull /* quiet NaN; the low bits carry the slot index */
 #define QZC_SENTINEL_B 0xa5u
+#define QZC_SENTINEL_N ((int32_t)0xa5a50000) /* the low bits carry the slot index */
 
 typedef struct qzc_record qzc_record;
 
@@ -54,17 +56,19 @@ typedef struct qzc_frame {
     double x[QZC_MAXX + QZC_GUARD];
     double o[QZC_MAXO + QZC_GUARD];
     uint8_t b[QZC_MAXB + QZC_GUARD];
+    int32_t n[QZC_MAXN + QZC_GUARD];
     uint64_t ret;  /* result bits: a double's bits, or an integer zero-extended */
     void *rec;     /* the record of the sequence, NULL for pure functions */
 } qzc_frame;
 
 /* One exported function: result kind ('d' double, 'i' int32, 'u' uint8, 'v' none), the record it
- * works on (NULL for a pure function), its argument counts, and the thunk that calls it. */
+ * works on (NULL for a pure function), its argument counts (nn: int32 outputs, after the byte
+ * outputs), and the thunk that calls it. */
 typedef struct qzc_fn {
     const char *name;
     char ret;
     const qzc_record *rec;
-    int nd, ni, nx, no, nb;
+    int nd, ni, nx, no, nb, nn;
     void (*call)(qzc_frame *f);
 } qzc_fn;
 
@@ -79,6 +83,9 @@ const qzc_record *qzc_find_record(const char *name);
 /* Row-pointer view of a row-major block for functions that take double ** (slot 0..3 picks one
  * of four independent views, for functions taking several). */
 double **qzc_rows(double *base, int rows, int cols, int slot);
+/* As qzc_rows for counts read from a case: rows below 1 give no rows, cols below 1 a row stride
+ * of 1, and rows that would reach past cap doubles are not set up (the view ends early). */
+double **qzc_rows_n(double *base, int32_t rows, int32_t cols, int cap, int slot);
 
 /* ---- Calls ---- */
 /* Fills every output and guard slot with its sentinel and the x guards; inputs are left alone. */

@@ -26,6 +26,13 @@ double **qzc_rows(double *base, int rows, int cols, int slot) {
     return views[slot & 3];
 }
 
+double **qzc_rows_n(double *base, int32_t rows, int32_t cols, int cap, int slot) {
+    int stride = cols < 1 ? 1 : cols > cap ? cap : (int)cols;
+    int r = rows < 1 ? 0 : rows > 16 ? 16 : (int)rows;
+    while (r > 0 && r * stride > cap) --r;
+    return qzc_rows(base, r, stride, slot);
+}
+
 /* ---- Calls ---------------------------------------------------------------------------------- */
 
 void qzc_prepare(const qzc_fn *fn, qzc_frame *f) {
@@ -34,6 +41,7 @@ void qzc_prepare(const qzc_fn *fn, qzc_frame *f) {
     for (k = fn->nx; k < QZC_MAXX + QZC_GUARD; ++k)
         f->x[k] = qzc_double(QZC_SENTINEL_D | (uint64_t)(0x800 + k));
     memset(f->b, QZC_SENTINEL_B, sizeof f->b);
+    for (k = 0; k < QZC_MAXN + QZC_GUARD; ++k) f->n[k] = QZC_SENTINEL_N | k;
     f->ret = 0;
 }
 
@@ -45,6 +53,8 @@ int qzc_guards_ok(const qzc_fn *fn, const qzc_frame *f) {
         if (qzc_bits(f->x[k]) != (QZC_SENTINEL_D | (uint64_t)(0x800 + k))) return 0;
     for (k = fn->nb; k < fn->nb + QZC_GUARD; ++k)
         if (f->b[k] != QZC_SENTINEL_B) return 0;
+    for (k = fn->nn; k < fn->nn + QZC_GUARD; ++k)
+        if (f->n[k] != (QZC_SENTINEL_N | k)) return 0;
     return 1;
 }
 
@@ -317,5 +327,7 @@ void qzc_format_outputs(const qzc_fn *fn, const qzc_frame *f, char *buf) {
     for (k = 0; k < fn->nx; ++k) append(buf, 'd', qzc_bits(f->x[k]));
     for (k = 0; k < fn->no; ++k) append_out(buf, 'd', qzc_bits(f->o[k]), QZC_SENTINEL_D | (uint64_t)k);
     for (k = 0; k < fn->nb; ++k) append_out(buf, 'u', f->b[k], QZC_SENTINEL_B);
+    for (k = 0; k < fn->nn; ++k)
+        append_out(buf, 'i', (uint64_t)(uint32_t)f->n[k], (uint64_t)(uint32_t)(QZC_SENTINEL_N | k));
     if (fn->rec) append(buf, 'd', qzc_rec_digest(fn->rec, f->rec));
 }

@@ -4,6 +4,7 @@
 
 #include "QZDT.h"
 #include "QZFLT.h"
+#include "QZQuaternions.h"
 #include "qzc.h"
 
 #define FIELD(T, f, type, n) { #f, offsetof(T, f), type, n, NULL }
@@ -98,10 +99,18 @@ static const qzc_field fields_QZSMVState[] = {
 };
 RECORD(QZSMVState);
 
+/* ---- QZQuaternions ---- */
+static const qzc_field fields_QZSlerpFactorState[] = {
+    FIELD(QZSlerpFactorState, initialized, 'u', 1), FIELD(QZSlerpFactorState, theta, 'd', 1),
+    FIELD(QZSlerpFactorState, sinTheta, 'd', 1),    FIELD(QZSlerpFactorState, useSpherical, 'u', 1),
+};
+RECORD(QZSlerpFactorState);
+
 /* Every record a sequence may work on. */
 const qzc_record *const qzc_records[] = {
     &qzc_rec_QZVDTState,  &qzc_rec_QZNSyncDTSState, &qzc_rec_QZVDTMState,
     &qzc_rec_QZNEstState, &qzc_rec_OneFitterState,  &qzc_rec_QZDCTRLErrorState,
     &qzc_rec_QZNSyncDTSMState, &qzc_rec_QZAVGFState, &qzc_rec_QZSMVState,
+    &qzc_rec_QZSlerpFactorState,
 };
 const int qzc_record_count = (int)(sizeof qzc_records / sizeof qzc_records[0]);

@@ -106,6 +106,8 @@ static void run_call(const qzc_fn *fn, char *p, void *rec, const char *where, in
     for (k = 0; k < fn->no; ++k)
         CHECK('d', qzc_bits(f->o[k]), QZC_SENTINEL_D | (uint64_t)k, "out[%d]", k);
     for (k = 0; k < fn->nb; ++k) CHECK('u', f->b[k], QZC_SENTINEL_B, "byte[%d]", k);
+    for (k = 0; k < fn->nn; ++k)
+        CHECK('i', (uint64_t)(uint32_t)f->n[k], (uint64_t)(uint32_t)(QZC_SENTINEL_N | k), "int[%d]", k);
     if (fn->rec) CHECK('d', qzc_rec_digest(fn->rec, rec), ~(uint64_t)0, "record digest");
 #undef CHECK
 done:

@@ -20,6 +20,10 @@ QZC_DECLARE_RECORD(QZDCTRLErrorState)
 QZC_DECLARE_RECORD(QZNSyncDTSMState)
 QZC_DECLARE_RECORD(QZAVGFState)
 QZC_DECLARE_RECORD(QZSMVState)
+QZC_DECLARE_RECORD(QZSlerpFactorState)
+
+/* Row-pointer view of a block of cap doubles for counts read from a case (see qzc_rows_n). */
+#define QZC_ROWS(base, rows, cols, cap, slot) qzc_rows_n((base), (rows), (cols), (cap), (slot))
 
 /* Sizes 2 to 8, for stamping size families in the lists. */
 #define QZC_SIZES_2_8(X) X(2) X(3) X(4) X(5) X(6) X(7) X(8)
@@ -35,7 +39,8 @@ QZC_DECLARE_RECORD(QZSMVState)
 
 #define QZC_BODY(ret, call)                                                                      \
     double *D = f->d; int32_t *I = f->i; double *X = f->x; double *O = f->o; uint8_t *B = f->b;  \
-    (void)D; (void)I; (void)X; (void)O; (void)B;                                                 \
+    int32_t *N = f->n;                                                                           \
+    (void)D; (void)I; (void)X; (void)O; (void)B; (void)N;                                        \
     QZC_RET_##ret(call)
 
 /* First pass: the thunks. */
@@ -43,25 +48,30 @@ QZC_DECLARE_RECORD(QZSMVState)
     static void t_##id(qzc_frame *f) { QZC_BODY(ret, call) }
 #define QZPV(id, var, ret, nd, ni, nx, no, nb, call) \
     static void t_##id##__##var(qzc_frame *f) { QZC_BODY(ret, call) }
+#define QZPN(id, ret, nd, ni, nx, no, nb, nn, call) \
+    static void t_##id(qzc_frame *f) { QZC_BODY(ret, call) }
 #define QZS(id, ret, T, nd, ni, nx, no, nb, call) \
     static void t_##id(qzc_frame *f) { T *S = (T *)f->rec; QZC_BODY(ret, call) }
 #define QZSV(id, var, ret, T, nd, ni, nx, no, nb, call) \
     static void t_##id##__##var(qzc_frame *f) { T *S = (T *)f->rec; QZC_BODY(ret, call) }
 #include "modules.def"
 #undef QZP
+#undef QZPN
 #undef QZPV
 #undef QZS
 #undef QZSV
 
 /* Second pass: the table. */
 #define QZP(id, ret, nd, ni, nx, no, nb, call) \
-    { #id, QZC_RETC_##ret, NULL, nd, ni, nx, no, nb, t_##id },
+    { #id, QZC_RETC_##ret, NULL, nd, ni, nx, no, nb, 0, t_##id },
+#define QZPN(id, ret, nd, ni, nx, no, nb, nn, call) \
+    { #id, QZC_RETC_##ret, NULL, nd, ni, nx, no, nb, nn, t_##id },
 #define QZPV(id, var, ret, nd, ni, nx, no, nb, call) \
-    { #id "." #var, QZC_RETC_##ret, NULL, nd, ni, nx, no, nb, t_##id##__##var },
+    { #id "." #var, QZC_RETC_##ret, NULL, nd, ni, nx, no, nb, 0, t_##id##__##var },
 #define QZS(id, ret, T, nd, ni, nx, no, nb, call) \
-    { #id, QZC_RETC_##ret, &qzc_rec_##T, nd, ni, nx, no, nb, t_##id },
+    { #id, QZC_RETC_##ret, &qzc_rec_##T, nd, ni, nx, no, nb, 0, t_##id },
 #define QZSV(id, var, ret, T, nd, ni, nx, no, nb, call) \
-    { #id "." #var, QZC_RETC_##ret, &qzc_rec_##T, nd, ni, nx, no, nb, t_##id##__##var },
+    { #id "." #var, QZC_RETC_##ret, &qzc_rec_##T, nd, ni, nx, no, nb, 0, t_##id##__##var },
 const qzc_fn qzc_functions[] = {
 #include "modules.def"
 };
