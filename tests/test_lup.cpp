@@ -57,6 +57,12 @@ TEST(MatLUPD, ThresholdExchangesTiesAndEarlyStop) {
         EXPECT_TRUE(std::equal(P, P + 4, c.P) && A.ptr == before) << (&c - cases);
         if (c.result == 0) EXPECT_EQ(QZ_MatLUPDet(A.p(), 3, P), c.det) << (&c - cases);
     }
+    // Accepted pivots can multiply to an underflow: the exchange still shows in the zero's sign.
+    Rows Z(21, 21);
+    for (int i = 0; i < 21; ++i) Z.r[i][i < 2 ? 1 - i : i] = 1e-16;
+    int32_t PZ[22];
+    ASSERT_EQ(QZ_MatLUPD(Z.p(), 21, 21, PZ), 0);
+    EXPECT_TRUE(SameBits(QZ_MatLUPDet(Z.p(), 21, PZ), -0.0));
 }
 
 // L (unit lower, from the multipliers) times U reproduces the permuted rows. With more rows than
