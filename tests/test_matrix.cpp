@@ -1,402 +1,183 @@
-// Matrix operations: products bit for bit against plain triple loops summing in the same order
-// from the same start, moves bit for bit, element-wise operations in place, rotation-block
-// shapes that ignore the fourth row and column, and empty row-pointer counts.
+// Matrix operations: every product bit for bit against a plain loop summing in the same order from
+// the same start (and near Eigen's), moves bit for bit, element-wise operations in place,
+// rotation-block shapes that never read the fourth row or column, and empty row-pointer counts.
 #include <Eigen/Dense>
-
+#include <algorithm>
 #include <limits>
-#include <vector>
 
-#include "QZMatrix.h"
-#include "test_util.h"
+#include "test_linalg_support.h"
 
 namespace {
 
-using qztest::SameBits;
+using namespace qztest;
 
-constexpr double kSentinel = -777.25;
-const double kNaN = std::numeric_limits<double>::quiet_NaN();
+// Out (m x p) = A (m x k, row stride lda) . B (k x p, row stride ldb); matrix times vector has
+// p = 1, a row vector times a matrix m = 1.
+// clang-format off
+struct Product {
+    const char *name;
+    void (*f)(const double *, const double *, double *);
+    int m, k, p, lda, ldb;
+    bool fromZero;
+};
+#define SQUARE(N) Product{"Mult" #N, QZ_MatrixMult##N, N, N, N, N, N, false},
+const Product kProducts[] = {
+    SQUARE(2) SQUARE(3) SQUARE(4) SQUARE(5) SQUARE(6) SQUARE(7) SQUARE(8)
+    {"6777", QZ_MatrixMult6777, 6, 7, 7, 7, 7, true},
+    {"6776", QZ_MatrixMult6776, 6, 7, 6, 7, 6, true},
+    {"MMM44", QZ_MMM44, 4, 4, 4, 4, 4, true},
+    {"3m4", QZ_MatrixMult3m4, 3, 3, 3, 3, 4, false},
+    {"MultVect3", QZ_MatrixMultVect3, 3, 3, 1, 3, 1, false},
+    {"MultVect4", QZ_MatrixMultVect4, 4, 4, 1, 4, 1, true},
+    {"MultVect6", QZ_MatrixMultVect6, 6, 6, 1, 6, 1, true},
+    {"MultVect7", QZ_MatrixMultVect7, 7, 7, 1, 7, 1, true},
+    {"67MultVect7", QZ_Matrix67MultVect7, 6, 7, 1, 7, 1, true},
+    {"76MultVect6", QZ_Matrix76MultVect6, 7, 6, 1, 6, 1, true},
+    {"MVmult43", QZ_MVmult43, 3, 3, 1, 4, 1, true},
+    {"VMmult1666", QZ_VMmult1666, 1, 6, 6, 6, 6, true},
+    {"VMmult1777", QZ_VMmult1777, 1, 7, 7, 7, 7, true}};
+#undef SQUARE
+// clang-format on
 
-enum class From { kFirstProduct, kZero };
-
-// Out[i][j] = sum over k of A[i][k] * B[k][j] with explicit strides, one element at a time.
-void RefMul(int m, int kk, int p, const double *A, int lda, const double *B, int ldb, double *Out,
-            From from) {
-    for (int i = 0; i < m; ++i) {
-        for (int j = 0; j < p; ++j) {
-            double s = A[i * lda] * B[j];
-            if (from == From::kZero) s = 0.0 + s;
-            for (int k = 1; k < kk; ++k) s = s + A[i * lda + k] * B[k * ldb + j];
-            Out[i * p + j] = s;
-        }
-    }
-}
-
-// Random entries with exact zeros of both signs, so that the start of each sum shows in the
-// sign of zero results; one guard element past the end.
-std::vector<double> RandomMatrix(std::mt19937_64 &rng, int count) {
-    std::vector<double> v(count + 1, kSentinel);
-    for (int i = 0; i < count; ++i) {
-        const double r = qztest::Uniform(rng, 0.0, 1.0);
-        v[i] = r < 0.15 ? 0.0 : r < 0.3 ? -0.0 : qztest::Uniform(rng, -4.0, 4.0);
-    }
+// Random rows of `cols` values in a stride of `ld`, NaN in the columns that must not be read.
+std::vector<double> Strided(std::mt19937_64 &rng, int rows, int cols, int ld) {
+    auto v = RandomEntries(rng, rows * ld);
+    for (int i = 0; i < rows * ld; ++i) v[i] = i % ld < cols ? v[i] : NAN;
     return v;
 }
 
-::testing::AssertionResult SameArray(const double *a, const double *b, int count) {
-    for (int i = 0; i < count; ++i) {
-        auto r = SameBits(a[i], b[i]);
-        if (!r) return r << " at element " << i;
-    }
-    return ::testing::AssertionSuccess();
-}
+using RowMajor = Eigen::Matrix<double, Eigen::Dynamic, Eigen::Dynamic, Eigen::RowMajor>;
+using Strided2 = Eigen::Map<const RowMajor, 0, Eigen::OuterStride<>>;
 
-struct SquareFamily {
-    int n;
-    void (*mult)(const double *, const double *, double *);
-    void (*cpy)(const double *, double *);
-    void (*identity)(double *);
-    void (*add)(const double *, const double *, double *);
-    void (*transpose)(const double *, double *);
-};
-
-#define FAMILY(N)                                                                      \
-    SquareFamily{N, QZ_MatrixMult##N, QZ_MatrixCpy##N, QZ_MatrixIdentity##N, QZ_MatrixAdd##N, \
-                 QZ_MatrixTranspose##N},
-const SquareFamily kSquare[] = {FAMILY(2) FAMILY(3) FAMILY(4) FAMILY(5) FAMILY(6) FAMILY(7)
-                                    FAMILY(8)};
-#undef FAMILY
-
-TEST(MatrixSquare, ProductsMatchTripleLoopBitForBit) {
-    auto rng = qztest::Rng();
-    for (const auto &f : kSquare) {
-        const int nn = f.n * f.n;
+// The first case multiplies -1 by +0.0 throughout, so the start of the sums shows in the sign of
+// every zero: -0.0 when they start with the first product, +0.0 when that is added to 0.0.
+TEST(MatrixProducts, MatchTheLoopBitForBitAndEigenInValue) {
+    auto rng = Rng();
+    for (const auto &c : kProducts) {
         for (int rep = 0; rep < 300; ++rep) {
-            const auto A = RandomMatrix(rng, nn);
-            const auto B = RandomMatrix(rng, nn);
-            std::vector<double> out(nn + 1, kSentinel), ref(nn);
-            f.mult(A.data(), B.data(), out.data());
-            RefMul(f.n, f.n, f.n, A.data(), f.n, B.data(), f.n, ref.data(), From::kFirstProduct);
-            ASSERT_TRUE(SameArray(out.data(), ref.data(), nn)) << "n=" << f.n << " rep " << rep;
-            ASSERT_EQ(out[nn], kSentinel);
-        }
-    }
-}
-
-// The square products start each sum with its first product, so all-negative times all-zero
-// gives -0.0 everywhere; QZ_MMM44 adds to 0.0 and gives +0.0, otherwise the same values.
-TEST(MatrixSquare, SumStartShowsInTheSignOfZero) {
-    for (const auto &f : kSquare) {
-        std::vector<double> A(f.n * f.n, -1.5), B(f.n * f.n, 0.0), out(f.n * f.n);
-        f.mult(A.data(), B.data(), out.data());
-        for (double x : out) ASSERT_TRUE(SameBits(x, -0.0)) << "n=" << f.n;
-    }
-    double A[16], B[16], o1[16], o2[16];
-    for (int i = 0; i < 16; ++i) {
-        A[i] = -1.0 - i;
-        B[i] = 0.0;
-    }
-    QZ_MMM44(A, B, o1);
-    for (double x : o1) EXPECT_TRUE(SameBits(x, 0.0));
-    auto rng = qztest::Rng();
-    for (int rep = 0; rep < 100; ++rep) {
-        for (int i = 0; i < 16; ++i) {
-            A[i] = qztest::Uniform(rng, -1, 1);
-            B[i] = qztest::Uniform(rng, -1, 1);
-        }
-        QZ_MMM44(A, B, o1);
-        QZ_MatrixMult4(A, B, o2);
-        for (int i = 0; i < 16; ++i) ASSERT_EQ(o1[i], o2[i]);
-    }
-}
-
-// Copies, transposes and the identity move values without arithmetic: signalling NaN payloads
-// and signed zeros survive, and nothing past n*n is touched.
-TEST(MatrixSquare, MovesAreBitExactAndStayInBounds) {
-    double snan;
-    const uint64_t bits = 0x7ff4000000000abcull;
-    std::memcpy(&snan, &bits, sizeof snan);
-    auto rng = qztest::Rng();
-    for (const auto &f : kSquare) {
-        const int n = f.n, nn = n * n;
-        auto A = RandomMatrix(rng, nn);
-        A[0] = snan;
-        A[nn - 1] = -0.0;
-        std::vector<double> out(nn + 1, kSentinel);
-        f.cpy(A.data(), out.data());
-        EXPECT_TRUE(SameArray(out.data(), A.data(), nn + 1)) << "cpy n=" << n;
-        f.transpose(A.data(), out.data());
-        for (int i = 0; i < n; ++i) {
-            for (int j = 0; j < n; ++j) ASSERT_TRUE(SameBits(out[j * n + i], A[i * n + j]));
-        }
-        EXPECT_EQ(out[nn], kSentinel);
-        std::fill(out.begin(), out.begin() + nn, kNaN);
-        f.identity(out.data());
-        for (int i = 0; i < nn; ++i) ASSERT_TRUE(SameBits(out[i], i % (n + 1) == 0 ? 1.0 : 0.0));
-        EXPECT_EQ(out[nn], kSentinel);
-
-        // Sums over all n*n elements, also written over either input.
-        const auto B = RandomMatrix(rng, nn);
-        f.add(A.data(), B.data(), out.data());
-        auto inA = A;
-        f.add(inA.data(), B.data(), inA.data());
-        auto inB = B;
-        f.add(A.data(), inB.data(), inB.data());
-        for (int i = 0; i < nn; ++i) {
-            ASSERT_TRUE(SameBits(out[i], A[i] + B[i]));
-            ASSERT_TRUE(SameBits(inA[i], out[i]));
-            ASSERT_TRUE(SameBits(inB[i], out[i]));
-        }
-        EXPECT_EQ(out[nn], kSentinel);
-    }
-}
-
-TEST(MatrixShapes, ProductsMatchTripleLoopBitForBit) {
-    auto rng = qztest::Rng();
-    for (int rep = 0; rep < 300; ++rep) {
-        const auto A67 = RandomMatrix(rng, 42);
-        const auto B77 = RandomMatrix(rng, 49);
-        const auto B76 = RandomMatrix(rng, 42);
-        const auto A44 = RandomMatrix(rng, 16);
-        const auto B44 = RandomMatrix(rng, 16);
-        const auto A33 = RandomMatrix(rng, 9);
-        double out[49], ref[49];
-
-        QZ_MatrixMult6777(A67.data(), B77.data(), out);
-        RefMul(6, 7, 7, A67.data(), 7, B77.data(), 7, ref, From::kZero);
-        ASSERT_TRUE(SameArray(out, ref, 42)) << "6777";
-        QZ_MatrixMult6776(A67.data(), B76.data(), out);
-        RefMul(6, 7, 6, A67.data(), 7, B76.data(), 6, ref, From::kZero);
-        ASSERT_TRUE(SameArray(out, ref, 36)) << "6776";
-        QZ_MMM44(A44.data(), B44.data(), out);
-        RefMul(4, 4, 4, A44.data(), 4, B44.data(), 4, ref, From::kZero);
-        ASSERT_TRUE(SameArray(out, ref, 16)) << "MMM44";
-        QZ_MatrixMult3m4(A33.data(), A44.data(), out);
-        RefMul(3, 3, 3, A33.data(), 3, A44.data(), 4, ref, From::kFirstProduct);
-        ASSERT_TRUE(SameArray(out, ref, 9)) << "3m4";
-    }
-}
-
-// Matrix times vector is the product with a one-column right factor; a row vector times a
-// matrix the product with a one-row left factor.
-TEST(MatrixShapes, MatrixVectorProductsMatchTripleLoopBitForBit) {
-    auto rng = qztest::Rng();
-    struct Case {
-        const char *name;
-        void (*f)(const double *, const double *, double *);
-        int rows, cols, stride;
-        From from;
-    };
-    const Case cases[] = {
-        {"MultVect3", QZ_MatrixMultVect3, 3, 3, 3, From::kFirstProduct},
-        {"MultVect4", QZ_MatrixMultVect4, 4, 4, 4, From::kZero},
-        {"MultVect6", QZ_MatrixMultVect6, 6, 6, 6, From::kZero},
-        {"MultVect7", QZ_MatrixMultVect7, 7, 7, 7, From::kZero},
-        {"67MultVect7", QZ_Matrix67MultVect7, 6, 7, 7, From::kZero},
-        {"76MultVect6", QZ_Matrix76MultVect6, 7, 6, 6, From::kZero},
-        {"MVmult43", QZ_MVmult43, 3, 3, 4, From::kZero},
-    };
-    for (int rep = 0; rep < 300; ++rep) {
-        for (const auto &c : cases) {
-            const auto M = RandomMatrix(rng, c.rows * c.stride);
-            const auto v = RandomMatrix(rng, c.cols);
-            double out[8], ref[8];
-            out[c.rows] = kSentinel;
-            c.f(M.data(), v.data(), out);
-            RefMul(c.rows, c.cols, 1, M.data(), c.stride, v.data(), 1, ref, c.from);
-            ASSERT_TRUE(SameArray(out, ref, c.rows)) << c.name;
-            ASSERT_EQ(out[c.rows], kSentinel) << c.name;
-        }
-        const auto v = RandomMatrix(rng, 7);
-        const auto M6 = RandomMatrix(rng, 36);
-        const auto M7 = RandomMatrix(rng, 49);
-        double out[7], ref[7];
-        QZ_VMmult1666(v.data(), M6.data(), out);
-        RefMul(1, 6, 6, v.data(), 6, M6.data(), 6, ref, From::kZero);
-        ASSERT_TRUE(SameArray(out, ref, 6)) << "1666";
-        QZ_VMmult1777(v.data(), M7.data(), out);
-        RefMul(1, 7, 7, v.data(), 7, M7.data(), 7, ref, From::kZero);
-        ASSERT_TRUE(SameArray(out, ref, 7)) << "1777";
-    }
-    // Start of the sums: the 3-by-3 member keeps a lone -0.0, the others turn it into +0.0.
-    const double negative[49] = {-1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1};
-    const double zeros[7] = {0, 0, 0, 0, 0, 0, 0};
-    double out[7];
-    QZ_MatrixMultVect3(negative, zeros, out);
-    EXPECT_TRUE(SameBits(out[0], -0.0));
-    QZ_MatrixMultVect4(negative, zeros, out);
-    EXPECT_TRUE(SameBits(out[0], 0.0));
-}
-
-// Functions on the rotation block of a transform read only its upper-left 3-by-3 elements.
-TEST(MatrixShapes, RotationBlockIgnoresFourthRowAndColumn) {
-    auto rng = qztest::Rng();
-    double T[16], Tn[16], A[9], v[3];
-    for (double &x : T) x = qztest::Uniform(rng, -1, 1);
-    for (double &x : A) x = qztest::Uniform(rng, -1, 1);
-    for (double &x : v) x = qztest::Uniform(rng, -1, 1);
-    for (int i = 0; i < 16; ++i) Tn[i] = (i % 4 == 3 || i >= 12) ? kNaN : T[i];
-    double o1[9], o2[9];
-    QZ_MatrixMult3m4(A, T, o1);
-    QZ_MatrixMult3m4(A, Tn, o2);
-    EXPECT_TRUE(SameArray(o1, o2, 9));
-    Mat4433Transpose(T, o1);
-    Mat4433Transpose(Tn, o2);
-    EXPECT_TRUE(SameArray(o1, o2, 9));
-    for (int i = 0; i < 3; ++i) {
-        for (int j = 0; j < 3; ++j) EXPECT_TRUE(SameBits(o1[j * 3 + i], T[i * 4 + j]));
-    }
-    QZ_MVmult43(T, v, o1);
-    QZ_MVmult43(Tn, v, o2);
-    EXPECT_TRUE(SameArray(o1, o2, 3));
-}
-
-TEST(MatrixShapes, TransposesAndElementWiseOperations) {
-    auto rng = qztest::Rng();
-    const auto A = RandomMatrix(rng, 42);
-    const auto B = RandomMatrix(rng, 42);
-    double out[43];
-    out[42] = kSentinel;
-    QZ_Mat67Transpose(A.data(), out);
-    for (int i = 0; i < 6; ++i) {
-        for (int j = 0; j < 7; ++j) ASSERT_TRUE(SameBits(out[j * 6 + i], A[i * 7 + j]));
-    }
-    EXPECT_EQ(out[42], kSentinel);
-
-    // The two spellings of the 3-by-3 and 4-by-4 transposes agree bit for bit.
-    double t[16], u1[16], u2[16];
-    for (double &x : t) x = qztest::Uniform(rng, -1, 1);
-    t[1] = -0.0;
-    MatTr33(t, u1);
-    QZ_MatrixTranspose3(t, u2);
-    EXPECT_TRUE(SameArray(u1, u2, 9));
-    MatTr44(t, u1);
-    QZ_MatrixTranspose4(t, u2);
-    EXPECT_TRUE(SameArray(u1, u2, 16));
-
-    QZ_MatrixSub67(A.data(), B.data(), out);
-    for (int i = 0; i < 42; ++i) ASSERT_TRUE(SameBits(out[i], A[i] - B[i]));
-    auto inB = B;
-    QZ_MatrixSub67(A.data(), inB.data(), inB.data());
-    EXPECT_TRUE(SameArray(inB.data(), out, 42));
-    EXPECT_EQ(out[42], kSentinel);
-
-    // Column j scaled by d[j], also in place.
-    double d[6];
-    for (double &x : d) x = qztest::Uniform(rng, -2, 2);
-    d[2] = -0.0;
-    auto M = RandomMatrix(rng, 36);
-    const auto M0 = M;
-    QZ_MmultDiagM66(M.data(), d, out);
-    QZ_MmultDiagM66(M.data(), d, M.data());
-    for (int i = 0; i < 36; ++i) {
-        ASSERT_TRUE(SameBits(out[i], M0[i] * d[i % 6]));
-        ASSERT_TRUE(SameBits(M[i], out[i]));
-    }
-    EXPECT_EQ(M[36], kSentinel);
-}
-
-// A cross-check of layout and shapes against Eigen, independent of the reference loop above.
-TEST(MatrixShapes, AgreeWithEigenProducts) {
-    using M67 = Eigen::Matrix<double, 6, 7, Eigen::RowMajor>;
-    using M77 = Eigen::Matrix<double, 7, 7, Eigen::RowMajor>;
-    using M76 = Eigen::Matrix<double, 7, 6, Eigen::RowMajor>;
-    using M66 = Eigen::Matrix<double, 6, 6, Eigen::RowMajor>;
-    const M67 a = M67::Random();
-    const M77 b = M77::Random();
-    const M76 c = M76::Random();
-    const Eigen::Matrix<double, 7, 1> v = Eigen::Matrix<double, 7, 1>::Random();
-    M67 o67;
-    M66 o66;
-    Eigen::Matrix<double, 6, 1> o6;
-    QZ_MatrixMult6777(a.data(), b.data(), o67.data());
-    EXPECT_LT((o67 - a * b).norm(), 1e-13);
-    QZ_MatrixMult6776(a.data(), c.data(), o66.data());
-    EXPECT_LT((o66 - a * c).norm(), 1e-13);
-    QZ_Matrix67MultVect7(a.data(), v.data(), o6.data());
-    EXPECT_LT((o6 - a * v).norm(), 1e-13);
-    QZ_VMmult1777(v.data(), b.data(), o67.data());
-    EXPECT_LT((o67.row(0).transpose() - b.transpose() * v).norm(), 1e-13);
-}
-
-// Row-pointer matrices: rows live in separate arrays, sizes come as signed counts.
-struct RowMatrix {
-    std::vector<std::vector<double>> rows;
-    std::vector<double *> ptr;
-    RowMatrix(int r, int c, double fill) : rows(r, std::vector<double>(c + 1, fill)) {
-        for (auto &row : rows) ptr.push_back(row.data());
-    }
-    double *const *p() { return ptr.data(); }
-};
-
-TEST(MatrixRowPointers, MatchTripleLoopAndHonourEmptyCounts) {
-    auto rng = qztest::Rng();
-    for (int n = 1; n <= 5; ++n) {
-        for (int m = 1; m <= 5; ++m) {
-            for (int p = 1; p <= 5; ++p) {
-                RowMatrix A(n, m, 0), B(m, p, 0), O(n, p, kSentinel), T(m, n, kSentinel);
-                std::vector<double> a(n * m), b(m * p), ref(n * p);
-                for (int i = 0; i < n * m; ++i) A.rows[i / m][i % m] = a[i] = qztest::Uniform(rng, -2, 2);
-                for (int i = 0; i < m * p; ++i) B.rows[i / p][i % p] = b[i] = qztest::Uniform(rng, -2, 2);
-                A.rows[0][0] = -0.0;
-                a[0] = -0.0;
-                QZ_MatrixMultXmX(A.p(), n, m, B.p(), p, O.p());
-                RefMul(n, m, p, a.data(), m, b.data(), p, ref.data(), From::kZero);
-                for (int i = 0; i < n; ++i) {
-                    ASSERT_TRUE(SameArray(O.rows[i].data(), ref.data() + i * p, p));
-                    ASSERT_EQ(O.rows[i][p], kSentinel);
-                }
-                std::vector<double> out(n + 1, kSentinel);
-                QZ_MatrixMultVectX(A.p(), n, m, b.data(), out.data());
-                RefMul(n, m, 1, a.data(), m, b.data(), 1, ref.data(), From::kZero);
-                ASSERT_TRUE(SameArray(out.data(), ref.data(), n));
-                ASSERT_EQ(out[n], kSentinel);
-                QZ_MatrixTransposeXX(A.p(), n, m, T.p());
-                for (int i = 0; i < n; ++i) {
-                    for (int j = 0; j < m; ++j) ASSERT_TRUE(SameBits(T.rows[j][i], A.rows[i][j]));
-                }
-                ASSERT_EQ(T.rows[0][n], kSentinel);
+            auto A = Strided(rng, c.m, c.k, c.lda), B = Strided(rng, c.k, c.p, c.ldb);
+            if (rep == 0) {
+                for (double &x : A) x = x == x ? -1.0 : x;
+                for (double &x : B) x = x == x ? 0.0 : x;
+            }
+            std::vector<double> out(c.m * c.p + 1, kSentinel), ref(out);
+            c.f(A.data(), B.data(), out.data());
+            RefMul(c.m, c.k, c.p, A.data(), c.lda, B.data(), c.ldb, ref.data(), c.fromZero);
+            ASSERT_TRUE(SameArray(out.data(), ref.data(), c.m * c.p + 1)) << c.name << " " << rep;
+            if (rep == 0) ASSERT_EQ(std::signbit(out[0]), !c.fromZero) << c.name;
+            if (rep > 0 && rep % 10 == 0) {
+                const RowMajor e = Strided2(A.data(), c.m, c.k, Eigen::OuterStride<>(c.lda)) *
+                                   Strided2(B.data(), c.k, c.p, Eigen::OuterStride<>(c.ldb));
+                const auto got = Eigen::Map<const RowMajor>(out.data(), c.m, c.p);
+                ASSERT_LT((got - e).cwiseAbs().maxCoeff(), 1e-13) << c.name;
             }
         }
     }
-    RowMatrix A(3, 4, 1.5), B(3, 4, 2.0), O(3, 4, kSentinel);
-    QZ_MatrixAddX(A.p(), 3, 4, B.p(), O.p());
-    QZ_MatrixAddX(A.p(), 3, 4, B.p(), A.p());
-    for (int i = 0; i < 3; ++i) {
-        for (int j = 0; j < 4; ++j) EXPECT_EQ(O.rows[i][j], 3.5);
-        for (int j = 0; j < 4; ++j) EXPECT_EQ(A.rows[i][j], 3.5);
-        EXPECT_EQ(O.rows[i][4], kSentinel);
-    }
+}
 
-    // Empty outer dimensions write nothing; an empty inner dimension gives zero sums.
-    RowMatrix E(3, 3, kSentinel);
-    std::vector<double> v(4, kSentinel);
-    for (int32_t e : {0, -1, std::numeric_limits<int32_t>::min()}) {
-        QZ_MatrixAddX(A.p(), e, 3, B.p(), E.p());
-        QZ_MatrixAddX(A.p(), 3, e, B.p(), E.p());
-        QZ_MatrixTransposeXX(A.p(), e, 3, E.p());
-        QZ_MatrixTransposeXX(A.p(), 3, e, E.p());
-        QZ_MatrixMultXmX(A.p(), e, 3, B.p(), 3, E.p());
-        QZ_MatrixMultXmX(A.p(), 3, 3, B.p(), e, E.p());
-        QZ_MatrixMultXmX(A.p(), e, e, B.p(), 3, E.p());
-        QZ_MatrixMultVectX(A.p(), e, 3, v.data(), v.data() + 1);
-        QZ_MatrixMultVectX(A.p(), e, e, v.data(), v.data() + 1);
+// clang-format off
+// B = A (rows x cols, row stride lda), transposed or copied.
+struct Move {
+    void (*f)(const double *, double *);
+    int rows, cols, lda;
+    bool transposed;
+};
+#define SQUARE(N) Move{QZ_MatrixTranspose##N, N, N, N, true}, Move{QZ_MatrixCpy##N, N, N, N, false},
+const Move kMoves[] = {SQUARE(2) SQUARE(3) SQUARE(4) SQUARE(5) SQUARE(6) SQUARE(7) SQUARE(8)
+    {QZ_Mat67Transpose, 6, 7, 7, true}, {Mat4433Transpose, 3, 3, 4, true}, {MatTr33, 3, 3, 3, true},
+    {MatTr44, 4, 4, 4, true}};
+#undef SQUARE
+#define SQUARE(N) QZ_MatrixIdentity##N,
+void (*const kIdentity[])(double *) = {SQUARE(2) SQUARE(3) SQUARE(4) SQUARE(5) SQUARE(6) SQUARE(7) SQUARE(8)};
+#undef SQUARE
+// clang-format on
+
+// Transposes, copies and the identity move values without arithmetic, so a signalling NaN keeps
+// its payload; nothing past the output is touched.
+TEST(MatrixMoves, TransposesCopiesAndIdentityAreBitExact) {
+    auto rng = Rng();
+    const uint64_t bits = 0x7ff4000000000abcull;
+    for (const auto &t : kMoves) {
+        auto A = Strided(rng, t.rows, t.cols, t.lda);
+        std::memcpy(A.data(), &bits, sizeof bits);
+        const int count = t.rows * t.cols;
+        std::vector<double> out(count + 1, kSentinel), ref(out);
+        for (int i = 0; i < count; ++i)
+            ref[t.transposed ? i % t.cols * t.rows + i / t.cols : i] =
+                A[i / t.cols * t.lda + i % t.cols];
+        t.f(A.data(), out.data());
+        ASSERT_TRUE(SameArray(out.data(), ref.data(), count + 1)) << (&t - kMoves);
     }
-    for (auto &row : E.rows) {
-        for (double x : row) ASSERT_EQ(x, kSentinel);
+    for (int n = 2; n <= 8; ++n) {
+        std::vector<double> out(n * n + 1, NAN);
+        out[n * n] = kSentinel;
+        kIdentity[n - 2](out.data());
+        for (int i = 0; i <= n * n; ++i)
+            ASSERT_TRUE(SameBits(out[i], i == n * n ? kSentinel : i % (n + 1) == 0 ? 1.0 : 0.0));
     }
-    EXPECT_EQ(v[1], kSentinel);
-    for (int32_t e : {0, -4}) {
-        RowMatrix Z(2, 3, kSentinel);
-        QZ_MatrixMultXmX(A.p(), 2, e, B.p(), 3, Z.p());
-        for (auto &row : Z.rows) {
-            for (int j = 0; j < 3; ++j) EXPECT_TRUE(SameBits(row[j], 0.0));
-            EXPECT_EQ(row[3], kSentinel);
+}
+
+// Element-wise sums and differences cover every element, also written over either input.
+TEST(MatrixElementwise, SumsDifferencesAndColumnScalingAlsoInPlace) {
+    auto rng = Rng();
+    void (*const add[])(const double *, const double *, double *) = {
+        QZ_MatrixAdd2, QZ_MatrixAdd3, QZ_MatrixAdd4, QZ_MatrixAdd5,
+        QZ_MatrixAdd6, QZ_MatrixAdd7, QZ_MatrixAdd8};
+    auto check = [&](int count, auto f, auto op) {
+        const auto A = RandomEntries(rng, count), B = RandomEntries(rng, count);
+        std::vector<double> ref(A), out(count + 1, kSentinel), inA(A), inB(B);
+        for (int i = 0; i < count; ++i) ref[i] = op(A, B, i);
+        f(A.data(), B.data(), out.data());
+        f(inA.data(), B.data(), inA.data());
+        ASSERT_TRUE(SameArray(out.data(), ref.data(), count + 1) &&
+                    SameArray(inA.data(), ref.data(), count));
+        if (count == 36) return;  // the diagonal factor d is not an output
+        f(A.data(), inB.data(), inB.data());
+        ASSERT_TRUE(SameArray(inB.data(), ref.data(), count));
+    };
+    for (int n = 2; n <= 8; ++n)
+        check(n * n, add[n - 2], [](auto &a, auto &b, int i) { return a[i] + b[i]; });
+    check(42, QZ_MatrixSub67, [](auto &a, auto &b, int i) { return a[i] - b[i]; });
+    check(36, QZ_MmultDiagM66, [](auto &a, auto &d, int i) { return a[i] * d[i % 6]; });
+}
+
+// Row-pointer matrices of every small size, counts of 0 and below included, written into a 5-by-6
+// grid of sentinels: only the cells of the result may change; an empty inner dimension of a
+// product gives +0.0 sums.
+TEST(MatrixRowPointers, MatchTheLoopAndHonourEmptyCounts) {
+    auto rng = Rng();
+    for (int n = -1; n <= 4; ++n) {
+        for (int m = -1; m <= 4; ++m) {
+            for (int p = -1; p <= 4; ++p) {
+                const int N = std::max(n, 0), M = std::max(m, 0), P = std::max(p, 0);
+                const auto a = RandomEntries(rng, N * M), b = RandomEntries(rng, M * P),
+                           v = RandomEntries(rng, M);
+                std::vector<double> ab(N * P + 1), av(N + 1);
+                Rows A(N, M), B(M, P), O(5, 6, kSentinel), T(5, 6, kSentinel), S(5, 6, kSentinel);
+                for (int i = 0; i < N * M; ++i) A.r[i / M][i % M] = a[i];
+                for (int i = 0; i < M * P; ++i) B.r[i / P][i % P] = b[i];
+                Rows C(A);
+                std::vector<double> out(6, kSentinel);
+                QZ_MatrixMultXmX(A.p(), n, m, B.p(), p, O.p());
+                QZ_MatrixMultVectX(A.p(), n, m, v.data(), out.data());
+                QZ_MatrixTransposeXX(A.p(), n, m, T.p());
+                QZ_MatrixAddX(A.p(), n, m, A.p(), S.p());
+                QZ_MatrixAddX(C.p(), n, m, A.p(), C.p());
+                RefMul(N, M, P, a.data(), M, b.data(), P, ab.data(), true);
+                RefMul(N, M, 1, a.data(), M, v.data(), 1, av.data(), true);
+                for (int i = 0; i < 5; ++i) {
+                    ASSERT_TRUE(SameBits(out[i], i < N ? av[i] : kSentinel));
+                    for (int j = 0; j < 6; ++j) {
+                        ASSERT_TRUE(
+                            SameBits(O.r[i][j], i < N && j < P ? ab[i * P + j] : kSentinel));
+                        ASSERT_TRUE(SameBits(T.r[i][j], i < M && j < N ? a[j * M + i] : kSentinel));
+                        ASSERT_TRUE(
+                            SameBits(S.r[i][j], i < N && j < M ? a[i * M + j] * 2 : kSentinel));
+                        if (i < N && j < M) ASSERT_TRUE(SameBits(C.r[i][j], S.r[i][j]));
+                    }
+                }
+            }
         }
-        std::vector<double> z(3, kSentinel);
-        QZ_MatrixMultVectX(A.p(), 2, e, v.data(), z.data());
-        EXPECT_TRUE(SameBits(z[0], 0.0));
-        EXPECT_TRUE(SameBits(z[1], 0.0));
-        EXPECT_EQ(z[2], kSentinel);
     }
 }
 
