@@ -1,8 +1,6 @@
-// Cholesky factors in 6- and 7-wide storage, the failure column and what stays written, aliasing
-// of the factor with its input; the quadratic form.
+// Cholesky factors in 6- and 7-wide storage: L L^T = A reading only the lower triangle, aliasing
+// of the factor with its input, the failure column and what stays written; the quadratic form.
 #include "QZMatrix.h"
-
-#include <limits>
 
 #include "decomposition_cases.h"
 
@@ -10,105 +8,84 @@ using namespace qztest;
 
 namespace {
 
-using Factorize = int32_t (*)(const double *, double *, int32_t);
 const struct {
-    Factorize f;
-    int stride;
+    int32_t (*f)(const double *, double *, int32_t);
+    int S;
 } kFamilies[] = {{Cholesky, 6}, {Cholesky7, 7}};
 
 }  // namespace
 
-// Only the lower triangle is read: NaN above the diagonal and outside the block changes nothing.
-TEST(Cholesky, FactorsRandomPositiveDefiniteBlocksReadingOnlyTheLowerTriangle) {
+// NaN above the diagonal and outside the block changes nothing; zeros are written above the
+// diagonal, nothing outside the block, and the factor written over its input has the same bits.
+TEST(Cholesky, FactorsRandomBlocksReadingOnlyTheLowerTriangleAlsoInPlace) {
     auto rng = Rng();
-    const double nan = std::numeric_limits<double>::quiet_NaN();
     for (const auto &fam : kFamilies) {
-        const int S = fam.stride;
+        const int S = fam.S;
         for (int n = 1; n <= S; ++n) {
             for (int t = 0; t < 100; ++t) {
                 const Mat A0 = RandomSpd(rng, n) * Uniform(rng, 1e-3, 1e3);
-                std::vector<double> A = Stored(A0, S, nan), L(S * S, -7.0);
+                std::vector<double> A = Stored(A0, S, kNaN), L(S * S, -7.0);
                 for (int i = 0; i < n; ++i)
-                    for (int j = i + 1; j < n; ++j) A[i * S + j] = nan;
+                    for (int j = i + 1; j < n; ++j) A[i * S + j] = kNaN;
                 ASSERT_EQ(fam.f(A.data(), L.data(), n), 0);
                 const Mat Lm = Unstored(L.data(), n, S);
-                EXPECT_LT((Lm * Lm.transpose() - A0).cwiseAbs().maxCoeff(),
-                          4 * n * kEps * A0.cwiseAbs().maxCoeff());
-                for (int i = 0; i < S; ++i) {
-                    for (int j = 0; j < S; ++j) {
-                        if (i >= n || j >= n) ASSERT_EQ(L[i * S + j], -7.0);  // outside the block
-                        else if (j > i) ASSERT_TRUE(SameBits(L[i * S + j], 0.0));
-                        else if (j == i) ASSERT_GT(L[i * S + j], 0.0);
-                    }
+                EXPECT_LT(MaxAbs(Lm * Lm.transpose() - A0), 4 * n * kEps * MaxAbs(A0));
+                EXPECT_GT(Lm.diagonal().minCoeff(), 0.0);
+                for (int e = 0; e < S * S; ++e) {
+                    const int i = e / S, j = e % S;
+                    if (i >= n || j >= n || j > i)
+                        ASSERT_TRUE(SameBits(L[e], i >= n || j >= n ? -7.0 : 0.0)) << i << j;
                 }
-                // Written over its own input, the factor comes out bit for bit the same.
                 ASSERT_EQ(fam.f(A.data(), A.data(), n), 0);
-                for (int i = 0; i < n; ++i)
-                    for (int j = 0; j < n; ++j) ASSERT_TRUE(SameBits(A[i * S + j], L[i * S + j]));
+                for (int i = 0; i < n; ++i) ASSERT_TRUE(SameBlock(&A[i * S], &L[i * S], n));
             }
         }
     }
 }
 
-// The leading 4-by-4 block of a positive definite matrix, its last diagonal element lowered until
-// the reduced diagonal there is zero, then one ulp below and above: -1 at column 3 with columns
-// 0..2 complete and the rest unwritten (also in place, where the rest keeps A), or a factor.
+// The diagonal entry of column k lowered until its reduced diagonal is zero, then one ulp either
+// side, factorizing the leading (k + 1) block: -1 with columns 0..k-1 complete and the rest
+// unwritten (in place: still A), or a factor. An empty block is a success that writes nothing,
+// an oversized one a failure that writes nothing.
 TEST(Cholesky, StopsAtTheFirstColumnWithoutAPositiveReducedDiagonal) {
     auto rng = Rng();
     for (const auto &fam : kFamilies) {
-        const int S = fam.stride;
+        const int S = fam.S;
         const Mat A0 = RandomSpd(rng, S);
-        std::vector<double> full(S * S);
+        std::vector<double> full(S * S), L(S * S, -7.0);
         ASSERT_EQ(fam.f(Stored(A0, S, 0.0).data(), full.data(), S), 0);
-        double s = 0.0;  // the reduced diagonal's subtrahend, formed as the factorization forms it
-        for (int k = 0; k < 3; ++k) s = s + full[3 * S + k] * full[3 * S + k];
-        for (double d : {NextDown(s), s, NextUp(s)}) {
-            std::vector<double> A = Stored(A0, S, 0.0), L(S * S, -7.0);
-            A[3 * S + 3] = d;
-            const int32_t r = fam.f(A.data(), L.data(), 4);
-            ASSERT_EQ(r, d - s > 0.0 ? 0 : -1) << "d - s " << d - s;
-            if (r == 0) continue;
-            std::vector<double> inPlace = A;
-            ASSERT_EQ(fam.f(inPlace.data(), inPlace.data(), 4), -1);
-            for (int i = 0; i < S; ++i) {
-                for (int j = 0; j < S; ++j) {
-                    const int e = i * S + j;
-                    const bool done = i < 4 && j < 3;
-                    ASSERT_TRUE(SameBits(L[e], done ? full[e] : -7.0)) << i << "," << j;
-                    ASSERT_TRUE(SameBits(inPlace[e], done ? full[e] : A[e])) << i << "," << j;
+        EXPECT_EQ(fam.f(full.data(), L.data(), 0), 0);
+        EXPECT_EQ(fam.f(full.data(), L.data(), S + 1), -1);
+        EXPECT_EQ(L, std::vector<double>(S * S, -7.0));
+        for (int k : {0, 3, S - 1}) {
+            double s = 0.0;  // the reduced diagonal's subtrahend, summed as the factorization does
+            for (int m = 0; m < k; ++m) s = s + full[k * S + m] * full[k * S + m];
+            for (double d : {NextDown(s), s, NextUp(s)}) {
+                std::vector<double> A = Stored(A0, S, 0.0), L(S * S, -7.0);
+                A[k * S + k] = d;
+                std::vector<double> inPlace = A;
+                const int32_t r = fam.f(A.data(), L.data(), k + 1);
+                ASSERT_EQ(r, d - s > 0.0 ? 0 : -1) << k << " d - s " << d - s;
+                if (r == 0) continue;
+                ASSERT_EQ(fam.f(inPlace.data(), inPlace.data(), k + 1), -1);
+                for (int e = 0; e < S * S; ++e) {
+                    const bool done = e / S <= k && e % S < k;
+                    ASSERT_TRUE(SameBits(L[e], done ? full[e] : -7.0)) << k << ": " << e;
+                    ASSERT_TRUE(SameBits(inPlace[e], done ? full[e] : A[e])) << k << ": " << e;
                 }
             }
         }
     }
 }
 
-TEST(Cholesky, WritesNothingForEmptyOversizedOrLeadingNonPositiveBlocks) {
-    double I[49] = {}, L[49];
-    for (int i = 0; i < 6; ++i) I[i * 7] = 1.0;  // the 6-by-6 identity in 6-wide storage
-    for (double &l : L) l = -7.0;
-    EXPECT_EQ(Cholesky(I, L, 0), 0);
-    EXPECT_EQ(Cholesky(I, L, 7), -1);
-    EXPECT_EQ(Cholesky7(I, L, 8), -1);
-    I[0] = 0.0;
-    EXPECT_EQ(Cholesky(I, L, 6), -1);
-    for (double l : L) ASSERT_EQ(l, -7.0);
-    I[0] = 1.0;
-    EXPECT_EQ(Cholesky(I, L, 6), 0);
-    for (int i = 0; i < 36; ++i) EXPECT_EQ(L[i], I[i]);
-}
-
+// Sums over the leading block only; no block is +0, one beyond the storage NaN.
 TEST(VMV, IsTheQuadraticFormOfTheLeadingBlock) {
     auto rng = Rng();
     for (int n = 1; n <= 7; ++n) {
-        const Mat M = RandomSymmetric(rng, n, 0);
-        Eigen::VectorXd v(n);
-        for (int i = 0; i < n; ++i) v(i) = Uniform(rng, -1.0, 1.0);
-        const std::vector<double> M7 = Stored(M, 7, std::numeric_limits<double>::quiet_NaN());
-        EXPECT_NEAR(VMV(v.data(), M7.data(), n), v.dot(M * v), 8 * n * kEps);
-        const std::vector<double> I7 = Stored(Mat::Identity(n, n), 7, 5.0);
-        EXPECT_NEAR(VMV(v.data(), I7.data(), n), v.squaredNorm(), 2 * n * kEps);
+        const Mat M = RandomSymmetric(rng, n, 0), v = RandomMat(rng, 8, 1);
+        EXPECT_NEAR(VMV(v.data(), Stored(M, 7, kNaN).data(), n),
+                    (v.topRows(n).transpose() * M * v.topRows(n))(0), 8 * n * kEps);
+        EXPECT_TRUE(SameBits(VMV(v.data(), M.data(), 0), 0.0));
+        EXPECT_TRUE(std::isnan(VMV(v.data(), Stored(M, 8, 0.0).data(), 8)));
     }
-    const double v[8] = {1, 2, 3, 4, 5, 6, 7, 8}, M[64] = {};
-    EXPECT_TRUE(SameBits(VMV(v, M, 0), 0.0));
-    EXPECT_TRUE(std::isnan(VMV(v, M, 8)));
 }
