@@ -132,4 +132,19 @@ TEST(MatLUP, SolveDeterminantAndInverseAgreeWithTheFixedSizeFunctions) {
     EXPECT_GT(singular, 100);
 }
 
+// A count of 0 or less is an empty system, however negative: nothing read, nothing written. The
+// most negative count is the one that breaks a substitution running down from n - 1. Disabled
+// while QZ_LUPSolveEq still forms INT32_MIN - 1 (signed overflow; with wrapping, it walks x from
+// index INT32_MAX); the reproducer is fuzz/corpus/fuzz_matrix/lup-solve-most-negative-count.
+TEST(MatLUP, DISABLED_MostNegativeCountReadsAndWritesNothing) {
+    const double b[2] = {1.0, 2.0};
+    double x[2] = {7.0, 7.0};
+    for (const int32_t n : {0, -1, INT32_MIN + 1, INT32_MIN}) {
+        QZ_LUPSolveEq(nullptr, n, nullptr, b, x);
+        EXPECT_TRUE(SameBits(x[0], 7.0) && SameBits(x[1], 7.0)) << n;
+        QZ_MatLUPInv(nullptr, n, nullptr, nullptr);
+        EXPECT_TRUE(SameBits(QZ_MatLUPDet(nullptr, n, nullptr), 0.0)) << n;
+    }
+}
+
 }  // namespace
