@@ -82,6 +82,9 @@ std::int32_t MatLUPD(double *const *A, std::int32_t m, std::int32_t n, std::int3
 // back substitution through U, each element a running difference divided by its pivot last.
 void LUPSolveEq(double *const *LU, std::int32_t n, const std::int32_t *P, const double *b,
                 double *x) {
+    // An empty system has nothing to read or write; returning here also keeps n - 1 below from
+    // overflowing for the most negative count.
+    if (n < 1) return;
     for (std::int32_t i = 0; i < n; ++i) {
         double s = b[P[i]];
         for (std::int32_t j = 0; j < i; ++j) s = s - LU[i][j] * x[j];
