@@ -2,7 +2,6 @@
 // plain turn-by-turn loop that defines it.
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <vector>
 
 #include "QZBaseMath.h"
@@ -17,12 +16,8 @@ using qztest::SameBits;
 // The reference wrap: one turn per pass. Only usable where the turn count is modest.
 double LoopMinDif(double a, double *b) {
     double d = a - *b;
-    if (d > 0) {
-        do d = d - 360; while (d > 0);
-    }
-    if (d < 0) {
-        do d = d + 360; while (d < 0);
-    }
+    while (d > 0) d = d - 360;
+    while (d < 0) d = d + 360;
     if (d > 180) d = d - 360;
     *b = a - d;
     return d > 0 ? d : -d;
@@ -32,26 +27,26 @@ double LoopMinDif(double a, double *b) {
     double bl = b, bf = b;
     const double rl = LoopMinDif(a, &bl), rf = QZ_MinDif_Circle(a, &bf);
     if (SameBits(rl, rf) && SameBits(bl, bf)) return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure() << std::hexfloat << "a=" << a << " b=" << b << ": loop "
-                                         << rl << ", " << bl << " vs " << rf << ", " << bf;
+    return ::testing::AssertionFailure() << std::hexfloat << "a=" << a << " b=" << b << ": loop " << rl << ", " << bl
+                                         << " vs " << rf << ", " << bf;
 }
 
+// a, b, result, b afterwards. A half turn is +180; equal angles give -0; differences that are not
+// finite or too large to resolve into turns give NaN in both.
 TEST(MinDifCircle, FixturesAndUnresolvableDifferences) {
-    const double nan = std::numeric_limits<double>::quiet_NaN(), inf = INFINITY;
-    // a, b, result, b afterwards. A half turn is +180; equal angles give -0 by the rule.
-    const double rows[][4] = {{10, 350, 20, -10}, {170, -170, 20, 190}, {0, 180, 180, -180},
-                              {180, 0, 180, 0},   {42.5, 42.5, -0.0, 42.5},
-                              {inf, 0, nan, nan}, {0, inf, nan, nan}, {5, -inf, nan, nan},
-                              {nan, 1, nan, nan}, {1, nan, nan, nan}, {inf, inf, nan, nan},
-                              {1e300, -1e300, nan, nan}, {1e19, 0, nan, nan},
-                              {0x1.0000000000001p62, 0, nan, nan}, {0, 0x1.0000000000001p62, nan, nan}};
+    const double nan = NAN, inf = INFINITY;
+    const double rows[][4] = {{10, 350, 20, -10}, {170, -170, 20, 190}, {0, 180, 180, -180}, {180, 0, 180, 0},
+                              {42.5, 42.5, -0.0, 42.5}, {inf, 0, nan, nan}, {0, inf, nan, nan}, {5, -inf, nan, nan},
+                              {nan, 1, nan, nan}, {1, nan, nan, nan}, {inf, inf, nan, nan}, {1e300, -1e300, nan, nan},
+                              {1e19, 0, nan, nan}, {0x1.0000000000001p62, 0, nan, nan},
+                              {0, 0x1.0000000000001p62, nan, nan}};
     for (const auto &r : rows) {
         double b = r[1];
         const double got = QZ_MinDif_Circle(r[0], &b);
-        if (std::isnan(r[2])) EXPECT_TRUE(std::isnan(got) && std::isnan(b)) << r[0] << " " << r[1];
-        else EXPECT_TRUE(SameBits(got, r[2]) && SameBits(b, r[3])) << r[0] << " " << r[1];
+        EXPECT_TRUE(std::isnan(r[2]) ? std::isnan(got) && std::isnan(b) : SameBits(got, r[2]) && SameBits(b, r[3]))
+            << r[0] << " " << r[1];
     }
-    double b = -0x1p62;  // the largest difference whose turns the loop still resolves
+    double b = -0x1p62;  // the largest difference whose turns are still resolved
     EXPECT_LE(QZ_MinDif_Circle(0.0, &b), 180.0);
 }
 
@@ -61,29 +56,23 @@ TEST(MinDifCircle, SameBitsAsLoopOnRandomAndAdversarialDifferences) {
     auto rng = qztest::Rng();
     const double spans[] = {1, 180, 360, 720, 1e4, 1e6};
     for (int it = 0; it < 60000; ++it) {
-        const double span = spans[it % 6];
-        const double a = qztest::Uniform(rng, -span, span), b = qztest::Uniform(rng, -span, span);
-        ASSERT_TRUE(SameAsLoop(a, b));
-        ASSERT_TRUE(SameAsLoop(a * 1e-7, b));
+        const double span = spans[it % 6], a = qztest::Uniform(rng, -span, span), b = qztest::Uniform(rng, -span, span);
+        ASSERT_TRUE(SameAsLoop(a, b) && SameAsLoop(a * 1e-7, b));
     }
     for (int it = 0; it < 200; ++it)
         ASSERT_TRUE(SameAsLoop(qztest::Uniform(rng, -3.6e8, 3.6e8), qztest::Uniform(rng, -1, 1)));
     std::vector<double> d = {0.0, -0.0, 5e-324, 1e-300, 1e-17, 1e-13};
     for (double k : {0, 1, 2, 3, 7, 1000, 123457, 2000003})
         for (double base : {k * 360.0, k * 360.0 + 180.0})
-            for (double x : {base, NextUp(base), NextDown(base), base + 1e-9, base - 1e-9,
-                             base + 1e-300, base - 359.99999999999994})
+            for (double x : {base, NextUp(base), NextDown(base), base + 1e-9, base - 1e-9, base + 1e-300,
+                             base - 359.99999999999994})
                 d.push_back(x);
     for (int e = -20; e <= 31; ++e)
-        for (double x : {std::ldexp(1.0, e), NextUp(std::ldexp(1.0, e)), NextDown(std::ldexp(1.0, e))})
-            d.push_back(x);
+        for (double x : {std::ldexp(1.0, e), NextUp(std::ldexp(1.0, e)), NextDown(std::ldexp(1.0, e))}) d.push_back(x);
     for (double x : d)
-        for (double s : {1.0, -1.0}) {
-            ASSERT_TRUE(SameAsLoop(0.0, -s * x));
-            ASSERT_TRUE(SameAsLoop(s * x, 0.0));
-            ASSERT_TRUE(SameAsLoop(s * x + 0.1, 0.1));
-            ASSERT_TRUE(SameAsLoop(1e-10, 1e-10 - s * x));
-        }
+        for (double s : {1.0, -1.0})
+            ASSERT_TRUE(SameAsLoop(0.0, -s * x) && SameAsLoop(s * x, 0.0) && SameAsLoop(s * x + 0.1, 0.1) &&
+                        SameAsLoop(1e-10, 1e-10 - s * x));
 }
 
 // Beyond what the loop can run in a test: the wrap must give the same result from any difference
@@ -92,14 +81,14 @@ TEST(MinDifCircle, SameBitsAsLoopOnRandomAndAdversarialDifferences) {
 // the 2^56 binade included.
 TEST(MinDifCircle, OneLoopStepDoesNotChangeTheResultUpTo2To62) {
     auto rng = qztest::Rng();
-    auto wrap = [](double x, double *stored) { *stored = -x; return QZ_MinDif_Circle(0.0, stored); };
-    auto check = [&](double x, int steps) {
+    auto check = [](double x, int steps) {
         for (double sgn : {1.0, -1.0}) {
-            double w0, v0, y = sgn * x;
-            const double w = wrap(y, &w0);
+            double w0 = -sgn * x, y = sgn * x;
+            const double w = QZ_MinDif_Circle(0.0, &w0);
             for (int k = 0; k < steps && y * sgn > 0; ++k) {
                 y = y - sgn * 360;
-                const double v = wrap(y, &v0);
+                double v0 = -y;
+                const double v = QZ_MinDif_Circle(0.0, &v0);
                 ASSERT_TRUE(SameBits(w, v) && SameBits(w0, v0)) << std::hexfloat << sgn * x << " " << k;
             }
         }
@@ -112,30 +101,31 @@ TEST(MinDifCircle, OneLoopStepDoesNotChangeTheResultUpTo2To62) {
     }
 }
 
+// Sides a, b and the opposite side c -> the angle at C in degrees, clamped for impossible
+// triangles, 0 when a side is within the zero band (and not beyond it).
 TEST(CalAngleCDEG, TriangleFixturesClampsAndZeroBand) {
-    const double rows[][4] = {{3, 4, 5, 90}, {1, 1, 2, 0},   {1, 1, 0, 180}, {1, 1, 3, 0},
-                              {2, 5, 1, 180}, {0, 1, 1, 0}, {1, 1e-16, 1, 0}};
+    const double rows[][4] = {{3, 4, 5, 90}, {1, 1, 2, 0}, {1, 1, 0, 180}, {1, 1, 3, 0},
+                              {2, 5, 1, 180}, {0, 1, 1, 0}, {1, 1e-16, 1, 0}, {1, 1, 1, 120}};
     for (const auto &r : rows) EXPECT_NEAR(QZ_CalAngleCDEG(r[0], r[1], r[2]), r[3], 1e-12) << r[2];
-    EXPECT_NEAR(QZ_CalAngleCDEG(1, 1, 1), 120, 1e-12);
-    EXPECT_NE(QZ_CalAngleCDEG(1, NextUp(1e-16), 1), 0.0);  // just beyond the band is not zero
+    EXPECT_NE(QZ_CalAngleCDEG(1, NextUp(1e-16), 1), 0.0);
 }
 
 // The foot is perpendicular, and the output may overwrite any input with the same bits.
 TEST(PointToLine, FootIsPerpendicularAndMayAliasInputs) {
     auto rng = qztest::Rng();
     for (int it = 0; it < 2000; ++it) {
-        double a[3], b[3], p[3], f[3], dot = 0, n2 = 0;
+        double in[3][3], f[3], dot = 0, n2 = 0;
+        for (auto &v : in)
+            for (double &x : v) x = qztest::Uniform(rng, -5, 5);
+        ASSERT_EQ(QZ_PointToLine(in[0], in[1], in[2], f), 1);
         for (int i = 0; i < 3; ++i)
-            a[i] = qztest::Uniform(rng, -5, 5), b[i] = qztest::Uniform(rng, -5, 5),
-            p[i] = qztest::Uniform(rng, -5, 5);
-        ASSERT_EQ(QZ_PointToLine(a, b, p, f), 1);
-        for (int i = 0; i < 3; ++i) dot += (p[i] - f[i]) * (b[i] - a[i]), n2 += (b[i] - a[i]) * (b[i] - a[i]);
+            dot += (in[2][i] - f[i]) * (in[1][i] - in[0][i]), n2 += (in[1][i] - in[0][i]) * (in[1][i] - in[0][i]);
         ASSERT_NEAR(dot / n2, 0.0, 1e-12);
-        for (double *out : {a, b, p}) {
-            double in[3] = {out[0], out[1], out[2]};
-            QZ_PointToLine(out == a ? out : a, out == b ? out : b, out == p ? out : p, out);
-            for (int i = 0; i < 3; ++i) ASSERT_TRUE(SameBits(out[i], f[i]));
-            std::copy(in, in + 3, out);
+        for (int w = 0; w < 3; ++w) {
+            double c[3][3];
+            std::copy(&in[0][0], &in[0][0] + 9, &c[0][0]);
+            QZ_PointToLine(c[0], c[1], c[2], c[w]);
+            for (int i = 0; i < 3; ++i) ASSERT_TRUE(SameBits(c[w][i], f[i])) << w;
         }
     }
     const double Z[3] = {1, 1, 1}, P[3] = {2, 3, 4};
@@ -147,8 +137,7 @@ TEST(PointToLine, FootIsPerpendicularAndMayAliasInputs) {
 // Steps of one towards 0 (or 5); within half a step, inclusive, lands exactly on the target.
 TEST(ValueToTarget, StepsThenLandsExactly) {
     const struct { double start, target; std::vector<double> path; } rows[] = {
-        {10, 0, {9}}, {0.5, 0, {0}}, {-0.5, 0, {0}}, {1.6, 0, {0.6, -0.4, 0}},
-        {NextUp(5.5), 5, {4.5}}};
+        {10, 0, {9}}, {0.5, 0, {0}}, {-0.5, 0, {0}}, {1.6, 0, {0.6, -0.4, 0}}, {NextUp(5.5), 5, {4.5}}};
     for (const auto &r : rows) {
         double v = r.start;
         for (double w : r.path) {

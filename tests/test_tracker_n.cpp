@@ -3,7 +3,6 @@
 // running sums replaced by the exact ring sums at every wrap).
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -15,20 +14,7 @@ namespace {
 
 using qztest::SameBits;
 
-struct Limits {
-    double vel[8], acc[8], jerk[8];
-};
-
-Limits RandomLimits(std::mt19937_64 &rng) {
-    Limits l;
-    for (int i = 0; i < 8; ++i) {
-        l.vel[i] = qztest::Uniform(rng, 20.0, 150.0);
-        l.acc[i] = qztest::Uniform(rng, 20.0, 900.0);
-        l.jerk[i] = qztest::Uniform(rng, 200.0, 40000.0);
-    }
-    return l;
-}
-
+// A jerk limit outside [1, 1e12] (or a bad axis count) is refused and leaves the record unusable.
 TEST(TrackerN, InitRefusesBadAxisCountOrJerkAndLeavesRecordUnusable) {
     const double v[8] = {10, 10, 10}, a[8] = {100, 100, 100};
     double j[8] = {1000, 1000, 1000}, out[8] = {-7};
@@ -37,10 +23,9 @@ TEST(TrackerN, InitRefusesBadAxisCountOrJerkAndLeavesRecordUnusable) {
     for (double bad : {qztest::NextDown(1.0), qztest::NextUp(1e12), 1.0, 1e12}) {
         ASSERT_EQ(QZNSyncDTS_OnInit(&s, 3, 4.0, v, a, j), 1);
         j[2] = bad;
-        const bool ok = bad == 1.0 || bad == 1e12;
-        EXPECT_EQ(QZNSyncDTS_OnInit(&s, 3, 4.0, v, a, j), ok ? 1 : 0) << bad;
-        EXPECT_EQ(s.isInit, ok ? 1 : 0);
-        EXPECT_EQ(QZNSyncDTS_OnDT(&s, v, out), ok ? 1 : 0);
+        const int ok = bad == 1.0 || bad == 1e12;
+        EXPECT_TRUE(QZNSyncDTS_OnInit(&s, 3, 4.0, v, a, j) == ok && s.isInit == ok && QZNSyncDTS_OnDT(&s, v, out) == ok)
+            << bad;
         j[2] = 1000;
     }
     EXPECT_EQ(out[0], 10);  // written only by the accepted initialisations
@@ -50,14 +35,13 @@ TEST(TrackerN, InitRefusesBadAxisCountOrJerkAndLeavesRecordUnusable) {
 // arguments as given (not the tracker's clamped copies), truncated and clamped to [3, 30].
 TEST(TrackerN, SpanFollowsUnclampedBuildUpTime) {
     const double cases[][4] = {// cycleMs, acc, jerk, span
-                               {4, 10, 200, 12},   {4, 10, 1e12, 3},   {4, 10, 1, 30},
-                               {4, 5000, 1e5, 12}, {1, 2.9999, 1000, 3}, {1, 30.9, 1000, 30},
-                               {1, 29.99, 1000, 29}, {0, 10, 1000, 30}, {0, 0, 1000, 3}};
+                               {4, 10, 200, 12},     {4, 10, 1e12, 3},     {4, 10, 1, 30},
+                               {4, 5000, 1e5, 12},   {1, 2.9999, 1000, 3}, {1, 30.9, 1000, 30},
+                               {1, 29.99, 1000, 29}, {0, 10, 1000, 30},    {0, 0, 1000, 3}};
     for (const auto &c : cases) {
         QZNSyncDTSState s{};
         ASSERT_EQ(QZNSyncDTS_OnInit(&s, 1, c[0], &c[1], &c[1], &c[2]), 1);
-        EXPECT_EQ(s.avgLen[0], c[3]) << c[0] << " " << c[1] << " " << c[2];
-        EXPECT_EQ(s.avgLenD[0], c[3]);
+        EXPECT_TRUE(s.avgLen[0] == c[3] && s.avgLenD[0] == c[3]) << c[0] << " " << c[1] << " " << c[2];
     }
 }
 
@@ -65,31 +49,30 @@ TEST(TrackerN, SpanFollowsUnclampedBuildUpTime) {
 // OnDT_NoChange and an aliased target/output array all give the bits of OnDT.
 TEST(TrackerN, LifecycleAndStepVariantsAgree) {
     auto rng = qztest::Rng();
-    const Limits l = RandomLimits(rng);
-    QZNSyncDTSState ref{}, dt2{}, alias{}, nochange{};
-    for (QZNSyncDTSState *s : {&ref, &dt2, &alias, &nochange})
-        ASSERT_EQ(QZNSyncDTS_OnInit(s, 7, 4.0, l.vel, l.acc, l.jerk), 1);
-    double t[8] = {}, p[8], p2[8], v2[8], a2[8], pa[8], pn[8], tt[8];
-    EXPECT_EQ(QZNSyncDTS_OnGetCurPVA(&ref, tt, p, v2, a2), 0);
-    EXPECT_EQ(QZNSyncDTS_OnGetCurPVA_U(&ref, p, v2, a2), 1);
+    double v[8], a[8], j[8], t[8] = {}, p[8], p2[8], v2[8], a2[8], pa[8], pn[8], tt[8];
+    for (int i = 0; i < 8; ++i)
+        v[i] = qztest::Uniform(rng, 20, 150), a[i] = qztest::Uniform(rng, 20, 900),
+        j[i] = qztest::Uniform(rng, 200, 4e4);
+    QZNSyncDTSState s[4] = {};  // plain, OnDT2, aliased, OnDT_NoChange
+    for (auto &r : s) ASSERT_EQ(QZNSyncDTS_OnInit(&r, 7, 4.0, v, a, j), 1);
+    EXPECT_TRUE(QZNSyncDTS_OnGetCurPVA(&s[0], tt, p, v2, a2) == 0 && QZNSyncDTS_OnGetCurPVA_U(&s[0], p, v2, a2) == 1);
     for (int k = 0; k < 700; ++k) {
         if (k % 150 == 0)
             for (int i = 0; i < 7; ++i) t[i] = qztest::Uniform(rng, -200, 200);
         if (k == 450)
-            for (QZNSyncDTSState *s : {&ref, &dt2, &alias, &nochange}) ASSERT_EQ(QZNSyncDTS_OnEmpty(s), 1);
+            for (auto &r : s) ASSERT_EQ(QZNSyncDTS_OnEmpty(&r), 1);
         std::memcpy(pa, t, sizeof pa);
-        ASSERT_EQ(QZNSyncDTS_OnDT(&ref, t, p), 1);
-        ASSERT_EQ(QZNSyncDTS_OnDT2(&dt2, t, p2, v2, a2), 1);
-        ASSERT_EQ(QZNSyncDTS_OnDT(&alias, pa, pa), 1);
-        ASSERT_EQ(k % 150 ? QZNSyncDTS_OnDT_NoChange(&nochange, pn) : QZNSyncDTS_OnDT(&nochange, t, pn), 1);
+        ASSERT_TRUE(QZNSyncDTS_OnDT(&s[0], t, p) && QZNSyncDTS_OnDT2(&s[1], t, p2, v2, a2) &&
+                    QZNSyncDTS_OnDT(&s[2], pa, pa) &&
+                    (k % 150 ? QZNSyncDTS_OnDT_NoChange(&s[3], pn) : QZNSyncDTS_OnDT(&s[3], t, pn)));
         for (int i = 0; i < 7; ++i) {
             if (k == 0 || k == 450) ASSERT_TRUE(p[i] == t[i] && v2[i] == 0 && a2[i] == 0);
             ASSERT_TRUE(SameBits(p[i], p2[i]) && SameBits(p[i], pa[i]) && SameBits(p[i], pn[i])) << k;
-            ASSERT_TRUE(SameBits(v2[i], ref.vel[i]) && SameBits(a2[i], ref.acc[i])) << k;
+            ASSERT_TRUE(SameBits(v2[i], s[0].vel[i]) && SameBits(a2[i], s[0].acc[i])) << k;
         }
     }
-    ASSERT_EQ(QZNSyncDTS_OnGetCurPVA(&ref, tt, p, v2, a2), 1);
-    EXPECT_TRUE(tt[6] == t[6] && p[6] == ref.pos[6] && v2[6] == ref.vel[6]);
+    ASSERT_EQ(QZNSyncDTS_OnGetCurPVA(&s[0], tt, p, v2, a2), 1);
+    EXPECT_TRUE(tt[6] == t[6] && p[6] == s[0].pos[6] && v2[6] == s[0].vel[6]);
 }
 
 // Long runs towards fixed, ramping and jumping targets with lowered limits: velocity and
@@ -98,11 +81,13 @@ TEST(TrackerN, LifecycleAndStepVariantsAgree) {
 TEST(TrackerN, LongRunsRespectLimitsSmoothAndSettle) {
     auto rng = qztest::Rng();
     for (int run = 0; run < 12; ++run) {
-        const Limits l = RandomLimits(rng);
         const int n = 1 + run % 8;
+        double v[8], a[8], j[8], t[8], start[8], out[8], nv[8], na[8];
+        for (int i = 0; i < 8; ++i)
+            v[i] = qztest::Uniform(rng, 20, 150), a[i] = qztest::Uniform(rng, 20, 900),
+            j[i] = qztest::Uniform(rng, 200, 4e4);
         QZNSyncDTSState s{};
-        ASSERT_EQ(QZNSyncDTS_OnInit(&s, n, run % 3 ? 4.0 : 8.0, l.vel, l.acc, l.jerk), 1);
-        double t[8], start[8], out[8], nv[8], na[8];
+        ASSERT_EQ(QZNSyncDTS_OnInit(&s, n, run % 3 ? 4.0 : 8.0, v, a, j), 1);
         for (int i = 0; i < n; ++i) start[i] = t[i] = qztest::Uniform(rng, -40, 40);
         ASSERT_EQ(QZNSyncDTS_OnDT(&s, t, out), 1);
         int wraps = 0;
@@ -110,21 +95,20 @@ TEST(TrackerN, LongRunsRespectLimitsSmoothAndSettle) {
             for (int i = 0; i < n; ++i) {
                 if (k == 1500) t[i] = qztest::Uniform(rng, -40, 40);                // jump
                 if (k > 2500 && k <= 3000) t[i] = start[i] + 0.002 * (k - 2500);  // slow ramp
-                if (k == 3500) t[i] = -t[i], nv[i] = 0.5 * l.vel[i], na[i] = 0.7 * l.acc[i];
+                if (k == 3500) t[i] = -t[i], nv[i] = 0.5 * v[i], na[i] = 0.7 * a[i];
             }
             if (k == 3500) ASSERT_EQ(QZNSyncDTS_OnSetRunTimeLmt(&s, nv, na), 1);
             QZNSyncDTSState before;
             std::memcpy(&before, &s, sizeof s);
             ASSERT_EQ(QZNSyncDTS_OnDT(&s, t, out), 1);
             for (int i = 0; i < n; ++i) {  // lowering limits only shrinks these bounds
-                ASSERT_LE(std::fabs(s.vel[i]), l.vel[i] * (1 + 1e-12) + 1e-9) << run << " " << k;
-                ASSERT_LE(std::fabs(s.acc[i]), l.acc[i] * (1 + 1e-9) + 1e-6) << run << " " << k;
-                ASSERT_LE(std::fabs(s.acc[i] - before.acc[i]), 2 * l.acc[i] / s.avgLenD[i] + 1e-6) << k;
-                const int j = before.ringIdx[i];
-                if (j == 0 && k > s.avgLen[i]) {
-                    ASSERT_TRUE(SameBits(before.avgResum[i], RingSum(before, i)));
-                    const double y = s.ringBuf[i][0];
-                    ASSERT_TRUE(SameBits(s.avgSum[i], (RingSum(before, i) - before.ringBuf[i][0]) + y));
+                ASSERT_LE(std::fabs(s.vel[i]), v[i] * (1 + 1e-12) + 1e-9) << run << " " << k;
+                ASSERT_LE(std::fabs(s.acc[i]), a[i] * (1 + 1e-9) + 1e-6) << run << " " << k;
+                ASSERT_LE(std::fabs(s.acc[i] - before.acc[i]), 2 * a[i] / s.avgLenD[i] + 1e-6) << k;
+                if (before.ringIdx[i] == 0 && k > s.avgLen[i]) {
+                    const double ring = RingSum(before, i);
+                    ASSERT_TRUE(SameBits(before.avgResum[i], ring) &&
+                                SameBits(s.avgSum[i], (ring - before.ringBuf[i][0]) + s.ringBuf[i][0]));
                     ++wraps;
                 }
                 ASSERT_NEAR(s.avgSum[i], RingSum(s, i), 1e-9);
