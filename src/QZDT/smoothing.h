@@ -30,6 +30,32 @@ inline void UpdateDerivatives(State *s, int i, double p, double tau) {
     s->pos[i] = p;
 }
 
+// Readers shared by the two N-axis records: the targets (when asked for) and the smoothed
+// position, velocity and acceleration of every axis in use. The full reader refuses while a
+// reset is pending, since the record then holds the motion from before the reset.
+template <class State>
+inline std::uint8_t ReadPVA(const State *s, double *target, double *pos, double *vel, double *acc) {
+    if (s->isInit == 0 || s->resetPending == 1) return 0;
+    for (int i = 0; i < s->axisNum; ++i) {
+        target[i] = s->target[i];
+        pos[i] = s->pos[i];
+        vel[i] = s->vel[i];
+        acc[i] = s->acc[i];
+    }
+    return 1;
+}
+
+template <class State>
+inline std::uint8_t ReadPVAUnchecked(const State *s, double *pos, double *vel, double *acc) {
+    if (s->isInit == 0) return 0;
+    for (int i = 0; i < s->axisNum; ++i) {
+        pos[i] = s->pos[i];
+        vel[i] = s->vel[i];
+        acc[i] = s->acc[i];
+    }
+    return 1;
+}
+
 }  // namespace qz::detail
 
 #endif

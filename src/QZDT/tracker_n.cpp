@@ -152,24 +152,11 @@ QZ_API uint8_t QZNSyncDTS_OnDT_NoChange(QZNSyncDTSState *s, double *pos) {
 
 QZ_API uint8_t QZNSyncDTS_OnGetCurPVA(const QZNSyncDTSState *s, double *target, double *pos, double *vel,
                                       double *acc) {
-    if (s->isInit == 0 || s->resetPending == 1) return 0;
-    for (int i = 0; i < s->axisNum; ++i) {
-        target[i] = s->target[i];
-        pos[i] = s->pos[i];
-        vel[i] = s->vel[i];
-        acc[i] = s->acc[i];
-    }
-    return 1;
+    return ReadPVA(s, target, pos, vel, acc);
 }
 
 QZ_API uint8_t QZNSyncDTS_OnGetCurPVA_U(const QZNSyncDTSState *s, double *pos, double *vel, double *acc) {
-    if (s->isInit == 0) return 0;
-    for (int i = 0; i < s->axisNum; ++i) {
-        pos[i] = s->pos[i];
-        vel[i] = s->vel[i];
-        acc[i] = s->acc[i];
-    }
-    return 1;
+    return ReadPVAUnchecked(s, pos, vel, acc);
 }
 
 }  // extern "C"

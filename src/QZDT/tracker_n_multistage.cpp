@@ -163,24 +163,11 @@ QZ_API uint8_t QZNSyncDTS_OnDT_UM(QZNSyncDTSMState *s, double *pos) { return NmS
 
 QZ_API uint8_t QZNSyncDTS_OnGetCurPVAM(const QZNSyncDTSMState *s, double *target, double *pos, double *vel,
                                        double *acc) {
-    if (s->isInit == 0 || s->resetPending == 1) return 0;
-    for (int i = 0; i < s->axisNum; ++i) {
-        target[i] = s->target[i];
-        pos[i] = s->pos[i];
-        vel[i] = s->vel[i];
-        acc[i] = s->acc[i];
-    }
-    return 1;
+    return ReadPVA(s, target, pos, vel, acc);
 }
 
 QZ_API uint8_t QZNSyncDTS_OnGetCurPVA_UM(const QZNSyncDTSMState *s, double *pos, double *vel, double *acc) {
-    if (s->isInit == 0) return 0;
-    for (int i = 0; i < s->axisNum; ++i) {
-        pos[i] = s->pos[i];
-        vel[i] = s->vel[i];
-        acc[i] = s->acc[i];
-    }
-    return 1;
+    return ReadPVAUnchecked(s, pos, vel, acc);
 }
 
 }  // extern "C"
