@@ -331,7 +331,10 @@ void Est(Input &in, Records &R, int op) {
             break;
         case 3: {
             const std::uint8_t b0 = in.Byte();
-            const int32_t stamp = (b0 & 1) ? in.Int32() : R.stamp + (b0 >> 1) % 3;
+            // The next stamp: any value, or the last one advanced by 0 to 2 (wrapping like a
+            // sensor's counter, so the harness itself never overflows).
+            const int32_t stamp = (b0 & 1) ? in.Int32()
+                                           : static_cast<int32_t>(static_cast<uint32_t>(R.stamp) + (b0 >> 1) % 3);
             R.stamp = stamp;
             EstStep(R, stamp, a, b, (b0 & 8) != 0, "QZNEst_OnDT");
             return;
