@@ -54,6 +54,21 @@ double RunTarget(double base, double rate, int shape, int k) {
     }
 }
 
+// A run of an N-axis tracker: every axis's target moves from `a` (filled from the input) in
+// one shape at one rate; `step(t, i)` makes call i of the run with targets t.
+template <class Step>
+void AxesRun(Input &in, In<8> &a, Step step) {
+    a.Fill(in);
+    const double rate = Param(in, -1.0, 1.0);
+    const int shape = in.Byte() % 3, k = RunLength(in);
+    In<8> t;
+    for (int i = 0; i < k; ++i) {
+        QZ_UNPOISON(&t[0], sizeof(double) * 8);
+        for (int j = 0; j < 8; ++j) t[j] = RunTarget(a[j], rate, shape, i);
+        step(t, i);
+    }
+}
+
 int Axes8(int32_t n) { return n < 0 ? 0 : (n > 8 ? 8 : n); }
 int InitCount(int32_t n) { return (n >= 1 && n <= 8) ? n : 0; }
 
@@ -212,18 +227,9 @@ void Ns(Input &in, Records &R, int op) {
             // The caller may stop an axis by clearing its tracker's isInit.
             s->axis[in.Byte() % 8].isInit = 0;
             return;
-        default: {
-            a.Fill(in);
-            const double rate = Param(in, -1.0, 1.0);
-            const int shape = in.Byte() % 3, k = RunLength(in);
-            In<8> t;
-            for (int i = 0; i < k; ++i) {
-                QZ_UNPOISON(&t[0], sizeof(double) * 8);
-                for (int j = 0; j < 8; ++j) t[j] = RunTarget(a[j], rate, shape, i);
-                NsStep(R, t, i % 3 == 2 ? 2 : 0, "QZNSyncDTS_OnDT run");
-            }
+        default:
+            AxesRun(in, a, [&](In<8> &t, int i) { NsStep(R, t, i % 3 == 2 ? 2 : 0, "QZNSyncDTS_OnDT run"); });
             return;
-        }
     }
     R.ns.Check(where);
     CheckFlag(r, where);
@@ -523,18 +529,9 @@ void Nm(Input &in, Records &R, int op) {
             s->axis[b0 % 8].stage[(b0 / 8) % 4].isInit = 0;  // the caller stops one stage
             return;
         }
-        default: {
-            a.Fill(in);
-            const double rate = Param(in, -1.0, 1.0);
-            const int shape = in.Byte() % 3, k = RunLength(in);
-            In<8> t;
-            for (int i = 0; i < k; ++i) {
-                QZ_UNPOISON(&t[0], sizeof(double) * 8);
-                for (int j = 0; j < 8; ++j) t[j] = RunTarget(a[j], rate, shape, i);
-                NmStep(R, t, i % 4 == 3 ? 1 : 0, "QZNSyncDTS_OnDTM run");
-            }
+        default:
+            AxesRun(in, a, [&](In<8> &t, int i) { NmStep(R, t, i % 4 == 3 ? 1 : 0, "QZNSyncDTS_OnDTM run"); });
             return;
-        }
     }
     R.nm.Check(where);
     CheckFlag(r, where);
