@@ -7,35 +7,12 @@
 // as soon as column j is complete; the factorization stops at the first column whose reduced
 // diagonal is zero or negative, leaving the finished columns in L.
 #include "QZMatrix.h"
-#include "QZBaseMath/scalar_inline.h"
+#include "QZMatrix/cholesky.h"
 
 #include <limits>
 
 namespace qz::detail {
 namespace {
-
-// S is the row stride of the storage, and so the largest n it can hold.
-template <int S>
-std::int32_t CholeskyStrided(const double *A, double *L, std::int32_t n) {
-    if (n < 1) return 0;
-    if (n > S) return -1;
-    double s = 0.0;
-    for (int j = 0; j < n; ++j) {
-        const double d = A[j * S + j] - s;
-        if (d <= 0.0) return -1;
-        L[j * S + j] = Sqrt(d);
-        for (int i = j + 1; i < n; ++i) {
-            double t = 0.0;
-            for (int k = 0; k < j; ++k) t = t + L[i * S + k] * L[j * S + k];
-            L[i * S + j] = (A[i * S + j] - t) / L[j * S + j];
-        }
-        for (int i = 0; i < j; ++i) L[i * S + j] = 0.0;
-        if (j + 1 == n) return 0;
-        s = 0.0;
-        for (int k = 0; k <= j; ++k) s = s + L[(j + 1) * S + k] * L[(j + 1) * S + k];
-    }
-    return 0;
-}
 
 // The row vector v^T M is formed first, then its product with v.
 double QuadraticForm7(const double *v, const double *M, std::int32_t n) {

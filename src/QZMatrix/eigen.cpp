@@ -18,12 +18,13 @@ bool AllInRange(const double *a, int count) {
     return true;
 }
 
+}  // namespace
+
 std::uint8_t Eig(int n, double *A, double *V, double eps) {
     if (n < 1 || n > kEigMaxSize || !(eps > 0.0) || !AllInRange(A, n * n)) return 0;
     return JacobiEig(n, A, V, eps, EigMaxRotations(n)) >= 0 ? 1 : 0;
 }
 
-}  // namespace
 }  // namespace qz::detail
 
 extern "C" {

@@ -124,6 +124,11 @@ inline long JacobiEig(int n, double *A, double *V, double eps, long cap) {
     }
 }
 
+// The checked entry point behind eig and eig7: refuses a size outside 1..kEigMaxSize, a tolerance
+// that is not positive and any entry beyond kEigMaxEntry, then runs the method under the rotation
+// cap. Returns 1 with the decomposition, or 0.
+std::uint8_t Eig(int n, double *A, double *V, double eps);
+
 }  // namespace qz::detail
 
 #endif

@@ -8,6 +8,7 @@
 // 7-by-7 solver keeps the factor, its inverse and the inverse's transpose in static storage, so
 // its calls must never overlap.
 #include "QZMatrix.h"
+#include "QZMatrix/cholesky.h"
 #include "QZMatrix/eigen.h"
 #include "QZMatrix/inverse.h"
 #include "QZMatrix/matrix.h"
@@ -23,12 +24,12 @@ double GInvT[49];
 std::uint8_t GeneralizedEig6(double eps, const double *A, const double *B, double *V,
                              double *lambda) {
     double L[36], Li[36], LiT[36], T[36], K[36], W[36];
-    if (Cholesky(B, L, 6) != 0) return 0;
+    if (CholeskyStrided<6>(B, L, 6) != 0) return 0;
     if (!MatrixInv<6>(L, Li)) return 0;
     MatrixTranspose<6>(Li, LiT);
     MatrixMult<6>(A, LiT, T);
     MatrixMult<6>(Li, T, K);
-    if (!eig(6, K, W, eps)) return 0;
+    if (!Eig(6, K, W, eps)) return 0;
 
     lambda[0] = K[2 * 6 + 2];
     lambda[1] = K[1 * 6 + 1];
@@ -54,12 +55,12 @@ std::uint8_t GeneralizedEig6(double eps, const double *A, const double *B, doubl
 std::uint8_t GeneralizedEig7(double eps, const double *A, const double *B, double *V,
                              double *lambda) {
     double T[49], K[49], W[49];
-    if (Cholesky7(B, G, 7) != 0) return 0;
+    if (CholeskyStrided<7>(B, G, 7) != 0) return 0;
     if (!MatrixInv<7>(G, GInv)) return 0;
     MatrixTranspose<7>(GInv, GInvT);
     MatrixMult<7>(A, GInvT, T);
     MatrixMult<7>(GInv, T, K);
-    if (!eig7(K, W, eps)) return 0;
+    if (!Eig(7, K, W, eps)) return 0;
 
     for (int i = 0; i < 7; ++i) lambda[i] = K[i * 7 + i];
     MatrixMult<7>(GInvT, W, T);
