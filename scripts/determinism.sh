@@ -35,7 +35,7 @@ for c in "${configs[@]}"; do
   t0=$(date +%s)
   build="build-det-$c"
   emulator=()
-  args=(-DCMAKE_BUILD_TYPE=None -DQZ_BUILD_TESTS=OFF -DQZ_BUILD_EXAMPLES=OFF -DQZ_BUILD_BENCH=OFF)
+  args=(-DCMAKE_BUILD_TYPE=None -DQZ_BUILD_CONFORMANCE=ON -DQZ_BUILD_EXAMPLES=OFF)
   case "$c" in
     gcc-O0)   args+=(-DCMAKE_C_COMPILER=gcc -DCMAKE_CXX_COMPILER=g++ "-DCMAKE_C_FLAGS=-O0"
                      "-DCMAKE_CXX_FLAGS=-O0") ;;

@@ -18,7 +18,7 @@ bash scripts/setup-debian.sh $QZ_TEST_PACKAGES clang libclang-rt-14-dev
 seconds="${1:-300}"
 build="${QZ_BUILD_DIR:-build-fuzz}"
 CC=clang CXX=clang++ cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Release -DQZ_BUILD_EXAMPLES=OFF \
-  -DQZ_BUILD_ROBUSTNESS=ON >/dev/null
+  -DQZ_BUILD_TESTS=ON -DQZ_BUILD_ROBUSTNESS=ON >/dev/null
 targets="${QZ_FUZZ_TARGETS:-$(cd fuzz && ls fuzz_*.cpp | sed 's/\.cpp$//')}"
 cmake --build "$build" -j2 --target $targets >/dev/null
 

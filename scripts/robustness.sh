@@ -26,7 +26,7 @@ timed() {
 tsan() {
   local b=build-tsan
   cmake -S . -B $b -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQZ_SANITIZE=thread -DQZ_BUILD_EXAMPLES=OFF \
-    -DQZ_BUILD_ROBUSTNESS=OFF >/dev/null
+    -DQZ_BUILD_TESTS=ON -DQZ_BUILD_CONFORMANCE=ON >/dev/null
   cmake --build $b -j"$jobs" >/dev/null
   # halt_on_error makes any report fail the run, not just the test that saw it.
   (cd $b && TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1" ctest --output-on-failure -j"$jobs" \
@@ -36,7 +36,7 @@ tsan() {
 
 memcheck() {
   local b=build-memcheck
-  cmake -S . -B $b -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQZ_BUILD_EXAMPLES=OFF -DQZ_BUILD_ROBUSTNESS=OFF \
+  cmake -S . -B $b -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQZ_BUILD_EXAMPLES=OFF -DQZ_BUILD_TESTS=ON \
     >/dev/null
   cmake --build $b -j"$jobs" >/dev/null
   # Every test program of the default suite once under valgrind (all of its cases in one process),
@@ -50,7 +50,7 @@ memcheck() {
 
 soak() {
   local b=build-soak
-  cmake -S . -B $b -DCMAKE_BUILD_TYPE=Release -DQZ_BUILD_EXAMPLES=OFF >/dev/null
+  cmake -S . -B $b -DCMAKE_BUILD_TYPE=Release -DQZ_BUILD_EXAMPLES=OFF -DQZ_BUILD_TESTS=ON >/dev/null
   cmake --build $b -j"$jobs" --target test_soak >/dev/null
   (cd $b && ctest -L soak --output-on-failure)
 }

@@ -4,6 +4,7 @@
 #include "QZFLT.h"
 #include "QZMatrix.h"
 #include "QZQuaternions.h"
+#include "QZVersion.h"
 
 #include <stdio.h>
 
@@ -21,6 +22,9 @@ int main(void) {
     if (QZSMV_OnInit(&smv, 0.0, 0.5, 1.0, 0.01) != 1) ++failures;
     QZSMV_OnUpdateV(&smv, 0.5, &out);
     if (out <= 0.0 || out > 0.5) ++failures;
+
+    /* The loaded library is the one these headers describe. */
+    if (QZ_Version() != QZMATH_VERSION || QZMATH_VERSION_MAJOR != QZ_Version() / 10000) ++failures;
 
     printf("%d failures\n", failures);
     return failures == 0 ? 0 : 1;

@@ -1,29 +1,27 @@
 # Compares the shared library's dynamic symbol table with the public headers, and checks its
-# imports against the real-time promise. Inputs: LIB, INCLUDE_DIR, SRC_DIR.
+# imports against the real-time promise. Inputs: LIB, STATIC_LIB, INCLUDE_DIR, GEN_INCLUDE_DIR,
+# SRC_DIR.
 find_program(NM NAMES nm REQUIRED)
+find_program(READELF NAMES readelf REQUIRED)
+include(${CMAKE_CURRENT_LIST_DIR}/../cmake/QZPublicApi.cmake)
 
-# Functions declared in the public headers.
-file(GLOB headers ${INCLUDE_DIR}/*.h)
-set(declared "")
-foreach(h ${headers})
-  file(READ ${h} text)
-  string(REGEX REPLACE "#[^\n]*" "" text "${text}")
-  string(REGEX MATCHALL "QZ_API[^;{(]*[ \t\n*]([A-Za-z_][A-Za-z_0-9]*)[ \t\n]*\\(" decls "${text}")
-  foreach(d ${decls})
-    string(REGEX REPLACE ".*[ \t\n*]([A-Za-z_][A-Za-z_0-9]*)[ \t\n]*\\($" "\\1" name "${d}")
-    list(APPEND declared ${name})
-  endforeach()
-endforeach()
-list(REMOVE_DUPLICATES declared)
+# Functions declared in the public headers, the generated version header among them.
+file(GLOB headers ${INCLUDE_DIR}/*.h ${GEN_INCLUDE_DIR}/*.h)
+qz_public_functions(declared ${headers})
 list(LENGTH declared n_declared)
 
-# Functions the library exports.
-execute_process(COMMAND ${NM} -D --defined-only ${LIB} OUTPUT_VARIABLE out COMMAND_ERROR_IS_FATAL ANY)
+# Functions the library exports, each under the version node QZMATH_1.0.
+execute_process(COMMAND ${NM} -D --defined-only --with-symbol-versions ${LIB} OUTPUT_VARIABLE out
+  COMMAND_ERROR_IS_FATAL ANY)
 string(REPLACE "\n" ";" lines "${out}")
 set(exported "")
 foreach(l ${lines})
-  if(l MATCHES "^[0-9a-f]+ [TWiV] ([^ ]+)$")
-    list(APPEND exported ${CMAKE_MATCH_1})
+  if(l MATCHES "^[0-9a-f]+ [TWiV] ([^ @]+)(@*)([^ ]*)$")
+    set(name ${CMAKE_MATCH_1})
+    list(APPEND exported ${name})
+    if(NOT CMAKE_MATCH_2 STREQUAL "@@" OR NOT CMAKE_MATCH_3 STREQUAL "QZMATH_1.0")
+      message(SEND_ERROR "${name} is exported as '${CMAKE_MATCH_2}${CMAKE_MATCH_3}', not @@QZMATH_1.0")
+    endif()
   elseif(l MATCHES "^[0-9a-f]+ [BDRGS] ([^ ]+)$")
     message(SEND_ERROR "exported data symbol: ${CMAKE_MATCH_1}")
   endif()
@@ -40,6 +38,33 @@ endif()
 if(missing)
   message(SEND_ERROR "declared but not exported: ${missing}")
 endif()
+
+# The library never reaches its own functions through the dynamic linker: a relocation against
+# one of its exported names (a call through the PLT, an address through the GOT) would let any
+# other definition of that name in the process replace the library's own.
+execute_process(COMMAND ${READELF} -rW ${LIB} OUTPUT_VARIABLE out COMMAND_ERROR_IS_FATAL ANY)
+string(REPLACE "\n" ";" lines "${out}")
+foreach(l ${lines})
+  if(l MATCHES "^[0-9a-f]+ +[0-9a-f]+ +[A-Z0-9_]+ +[0-9a-f]+ +([A-Za-z_][A-Za-z_0-9]*)")
+    list(FIND declared ${CMAKE_MATCH_1} at)
+    if(at GREATER -1)
+      message(SEND_ERROR "the library reaches its own ${CMAKE_MATCH_1} through a dynamic relocation")
+    endif()
+  endif()
+endforeach()
+# The same at the source: no object file of the library refers to an exported name it does not
+# define (link-time binding would hide such a call in the shared library, not in a static link).
+execute_process(COMMAND ${NM} -A --undefined-only ${STATIC_LIB} OUTPUT_VARIABLE out
+  COMMAND_ERROR_IS_FATAL ANY)
+string(REPLACE "\n" ";" lines "${out}")
+foreach(l ${lines})
+  if(l MATCHES "^[^:]*:([^:]+): +U ([A-Za-z_][A-Za-z_0-9]*)$")
+    list(FIND declared ${CMAKE_MATCH_2} at)
+    if(at GREATER -1)
+      message(SEND_ERROR "${CMAKE_MATCH_1} calls the exported ${CMAKE_MATCH_2}: call its internal entry point")
+    endif()
+  endif()
+endforeach()
 
 # Imports: nothing from the allocator, stdio, iostreams, exceptions or threads.
 execute_process(COMMAND ${NM} -D --undefined-only ${LIB} OUTPUT_VARIABLE out COMMAND_ERROR_IS_FATAL ANY)

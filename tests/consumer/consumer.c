@@ -1,5 +1,8 @@
-/* A minimal program built against an installed QZMath: one tracker step must move the axis. */
+/* A minimal program built against an installed QZMath: both include forms find the headers, the
+ * loaded library is the version the headers describe, and one tracker step moves the axis. */
 #include <QZDT.h>
+#include <QZVersion.h>
+#include <qzmath/QZDT.h>
 #include <stdio.h>
 
 int main(void) {
@@ -8,6 +11,7 @@ int main(void) {
     QZVDT_OnInit(&axis, 4.0, 50.0, 100.0);
     QZVDT_OnDT(&axis, 0.0, &out);
     QZVDT_OnDT(&axis, 1.0, &out);
-    printf("consumer: %.6f\n", out);
-    return (out > 0.0 && out < 1.0) ? 0 : 1;
+    printf("consumer: QZMath %s (loaded %u), %.6f\n", QZMATH_VERSION_STRING,
+           (unsigned)QZ_Version(), out);
+    return (QZ_Version() == QZMATH_VERSION && out > 0.0 && out < 1.0) ? 0 : 1;
 }
