@@ -12,7 +12,7 @@ C function is also reachable with its C prototype as qzmath.lib.NAME.
 Where a C function reports failure a QZMathError subclass is raised. numpy is optional: any
 sequence is accepted, and results are lists (matrices lists of rows).
 """
-from ._api import lib
+from ._api import LIBRARY_VERSION, VERSION as __version__, lib, loaded_path
 from .errors import (ConvergenceError, InvalidArgumentError, QZMathError, SingularError,
                      StateError)
 from .estimation import ErrorComparator, Estimator, OneFitter
@@ -23,4 +23,3 @@ from .trackers import (PVA, MultiStageTracker, SmoothedMultiStageTracker, Smooth
                        TargetPVA, Tracker)
 from . import geometry, linalg, quaternions, records
 
-__version__ = "1.0.0"

@@ -7,6 +7,8 @@ The library is looked up, first match wins:
      (build/ first, then the other build*/ directories, most recently built first);
   3. the system loader (an installed libqzmath-dev).
 Among the others, sanitizer builds and candidates that fail to load are passed over.
+The library found is then checked: its major version (QZ_Version) must be the binding's own, or
+the import fails with an ImportError that names both versions and the library's path.
 
 Prototypes are declared from the table below, one function a line: name, result type, argument
 types. Types: D double, I32 int32_t, U8 uint8_t, U32 uint32_t, void; a trailing * is a pointer
@@ -22,6 +24,7 @@ from . import records
 
 PROTOTYPES = """
 # QZBaseMath
+QZ_Version                   U32
 QZ_Sqrt                      D    D
 QZ_Fabs                      D    D
 QZ_3Root                     D    D
@@ -226,6 +229,9 @@ _SCALARS = {
 
 _LIB_NAME = "libQZMath.so"
 
+# The library version this binding is written for; a library of another major version is refused.
+VERSION = "1.0.0"
+
 
 def ctype(code):
     """ctypes type of one type code of the table (None for void)."""
@@ -307,6 +313,37 @@ def _load():
                   + "\n  ".join(tried))
 
 
+def loaded_path(lib):
+    """The file the dynamic loader mapped for lib (its name may be a bare soname)."""
+    if os.path.isabs(lib._name):
+        return os.path.realpath(lib._name)
+    try:
+        with open("/proc/self/maps") as maps:
+            for line in maps:
+                path = line.split(None, 5)[-1].strip()
+                if os.path.basename(path).startswith(_LIB_NAME):
+                    return path
+    except OSError:
+        pass
+    return lib._name
+
+
+def check_version(lib):
+    """Raises ImportError unless lib's major version is the binding's; returns 'M.m.p'."""
+    want = int(VERSION.split(".")[0])
+    fn = getattr(lib, "QZ_Version", None)
+    if fn is None:
+        raise ImportError("qzmath %s needs libQZMath %d.x, but %s has no version query (QZ_Version):"
+                          " it is not a QZMath %d library" % (VERSION, want, loaded_path(lib), want))
+    fn.restype, fn.argtypes = ctypes.c_uint32, []
+    v = fn()
+    have = "%d.%d.%d" % (v // 10000, v // 100 % 100, v % 100)
+    if v // 10000 != want:
+        raise ImportError("qzmath %s needs libQZMath %d.x, but %s is libQZMath %s"
+                          % (VERSION, want, loaded_path(lib), have))
+    return have
+
+
 def _bind(lib):
     for name, res, args in prototypes():
         fn = getattr(lib, name, None)
@@ -317,4 +354,6 @@ def _bind(lib):
     return lib
 
 
-lib = _bind(_load())
+lib = _load()
+LIBRARY_VERSION = check_version(lib)
+_bind(lib)

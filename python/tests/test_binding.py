@@ -1,8 +1,10 @@
 """The binding against the C side: record layouts, prototypes, argument checks."""
 import ctypes
+import ctypes.util
 import os
 import re
 import subprocess
+import sys
 
 import pytest
 
@@ -35,12 +37,13 @@ def test_every_record_matches_the_c_layout_field_for_field():
 
 
 def header_prototypes():
-    inc = os.environ.get("QZMATH_INCLUDE", os.path.join(HERE, "..", "..", "include"))
-    if not os.path.isdir(inc):
+    dirs = os.environ.get("QZMATH_INCLUDE", os.path.join(HERE, "..", "..", "include"))
+    dirs = dirs.split(os.pathsep)  # the public headers, then the generated version header
+    if not all(os.path.isdir(d) for d in dirs):
         pytest.skip("public headers not found")
     found = {}
-    for h in sorted(os.listdir(inc)):
-        text = open(os.path.join(inc, h)).read()
+    for h in sorted(os.path.join(d, f) for d in dirs for f in os.listdir(d) if f.endswith(".h")):
+        text = open(h).read()
         text = re.sub(r"/\*.*?\*/", " ", text, flags=re.S)
         for m in re.finditer(r"QZ_API\s+([^;#]*?)\b(\w+)\s*\(([^)]*)\)\s*;", text):
             args = [a for a in m.group(3).split(",") if a.strip() not in ("", "void")]
@@ -75,6 +78,21 @@ def test_the_library_asked_for_is_the_one_loaded():
     if not env or os.path.isdir(env):
         pytest.skip("QZMATH_LIB does not name a library file")
     assert os.path.samefile(qzmath.lib._name, env)
+
+
+def test_a_library_of_another_major_version_or_none_is_refused_by_name():
+    class Foreign:
+        _name = "/opt/other/libQZMath.so.2"
+        QZ_Version = staticmethod(lambda: 20103)
+    with pytest.raises(ImportError, match=r"qzmath 1\.0\.0 needs libQZMath 1\.x, but "
+                       r"/opt/other/libQZMath\.so\.2 is libQZMath 2\.1\.3"):
+        _api.check_version(Foreign())
+    # A library that is no QZMath at all, named by QZMATH_LIB, fails the import itself.
+    env = dict(os.environ, QZMATH_LIB=ctypes.util.find_library("m"))
+    run = subprocess.run([sys.executable, "-c", "import qzmath"], env=env, capture_output=True,
+                         text=True, cwd=os.path.join(HERE, ".."))
+    assert run.returncode != 0
+    assert "has no version query" in run.stderr
 
 
 def test_sequences_of_the_wrong_length_are_refused_before_the_call():
