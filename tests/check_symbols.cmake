@@ -1,6 +1,6 @@
 # Compares the shared library's dynamic symbol table with the public headers, and checks its
 # imports against the real-time promise. Inputs: LIB, STATIC_LIB, INCLUDE_DIR, GEN_INCLUDE_DIR,
-# SRC_DIR.
+# SRC_DIR, VERSION_NODE.
 find_program(NM NAMES nm REQUIRED)
 find_program(READELF NAMES readelf REQUIRED)
 include(${CMAKE_CURRENT_LIST_DIR}/../cmake/QZPublicApi.cmake)
@@ -10,7 +10,7 @@ file(GLOB headers ${INCLUDE_DIR}/*.h ${GEN_INCLUDE_DIR}/*.h)
 qz_public_functions(declared ${headers})
 list(LENGTH declared n_declared)
 
-# Functions the library exports, each under the version node QZMATH_1.0.
+# Functions the library exports, each under the version node VERSION_NODE (QZMATH_1.0).
 execute_process(COMMAND ${NM} -D --defined-only --with-symbol-versions ${LIB} OUTPUT_VARIABLE out
   COMMAND_ERROR_IS_FATAL ANY)
 string(REPLACE "\n" ";" lines "${out}")
@@ -19,8 +19,8 @@ foreach(l ${lines})
   if(l MATCHES "^[0-9a-f]+ [TWiV] ([^ @]+)(@*)([^ ]*)$")
     set(name ${CMAKE_MATCH_1})
     list(APPEND exported ${name})
-    if(NOT CMAKE_MATCH_2 STREQUAL "@@" OR NOT CMAKE_MATCH_3 STREQUAL "QZMATH_1.0")
-      message(SEND_ERROR "${name} is exported as '${CMAKE_MATCH_2}${CMAKE_MATCH_3}', not @@QZMATH_1.0")
+    if(NOT CMAKE_MATCH_2 STREQUAL "@@" OR NOT CMAKE_MATCH_3 STREQUAL VERSION_NODE)
+      message(SEND_ERROR "${name} is exported as '${CMAKE_MATCH_2}${CMAKE_MATCH_3}', not @@${VERSION_NODE}")
     endif()
   elseif(l MATCHES "^[0-9a-f]+ [BDRGS] ([^ ]+)$")
     message(SEND_ERROR "exported data symbol: ${CMAKE_MATCH_1}")

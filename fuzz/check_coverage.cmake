@@ -1,0 +1,15 @@
+# Every function declared in a module's public header is called by the module's fuzz target:
+# the target's object file refers to each of them. Inputs: OBJECT, HEADER.
+include(${CMAKE_CURRENT_LIST_DIR}/../cmake/QZPublicApi.cmake)
+qz_public_functions(declared ${HEADER})
+find_program(NM NAMES llvm-nm nm REQUIRED)
+execute_process(COMMAND ${NM} -u ${OBJECT} OUTPUT_VARIABLE out COMMAND_ERROR_IS_FATAL ANY)
+string(REGEX MATCHALL "U [A-Za-z_0-9]+" used "${out}")
+string(REPLACE "U " "" used "${used}")
+set(missing ${declared})
+list(REMOVE_ITEM missing ${used})
+if(missing)
+  message(FATAL_ERROR "${HEADER}: not called by its fuzz target: ${missing}")
+endif()
+list(LENGTH declared n)
+message(STATUS "all ${n} functions of ${HEADER} are fuzzed")
