@@ -21,6 +21,8 @@ CC=clang CXX=clang++ cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Release -DQZ_BUIL
   -DQZ_BUILD_TESTS=ON -DQZ_BUILD_ROBUSTNESS=ON >/dev/null
 targets="${QZ_FUZZ_TARGETS:-$(cd fuzz && ls fuzz_*.cpp | sed 's/\.cpp$//')}"
 cmake --build "$build" -j2 --target $targets >/dev/null
+# Every function of each module's header must be called by the module's target.
+(cd "$build" && ctest -R '_covers_its_header$' --output-on-failure | grep -E "tests passed|Failed|not called")
 
 if [ -n "${QZ_FUZZ_RUNS:-}" ]; then limit="-runs=$QZ_FUZZ_RUNS"; else limit="-max_total_time=$seconds"; fi
 status=0
