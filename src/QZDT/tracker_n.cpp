@@ -7,13 +7,12 @@
 // ramp of that length: the smoothed motion has an S-shaped velocity and a bounded jerk, and lags
 // the raw one by (avgLen - 1) / 2 cycles.
 //
-// The mean comes from a running sum, updated by one subtraction and one addition per cycle so
-// that its cost does not depend on the span. Each time the ring index returns to slot 0 the ring
-// holds exactly the values entered since the previous return, whose sum has been kept alongside
-// (avgResum): it replaces the running sum, so rounding errors never accumulate beyond one wrap.
+// The mean comes from a sliding sum, so that its cost does not depend on the span, replaced by
+// the exact sum of the window (avgResum) each time the ring wraps (internal/moving_average.h).
 #include "QZBaseMath/scalar_inline.h"
 #include "QZDT/smoothing.h"
 #include "QZDT/tracker.h"
+#include "internal/moving_average.h"
 
 namespace qz::detail {
 
@@ -50,7 +49,7 @@ void NResetStep(QZNSyncDTSState *s, const double *target, double *out) {
         VdtStep(&s->axis[i], s->target[i], &out[i]);
         const double p = out[i];
         s->pos[i] = p;
-        for (int k = 0; k < s->avgLen[i]; ++k) s->ringBuf[i][k] = p;
+        FillRing(s->ringBuf[i], s->avgLen[i], p);
         s->avgSum[i] = p * s->avgLenD[i];
         s->avgResum[i] = p * s->avgLenD[i];
         s->ringIdx[i] = 0;
@@ -74,17 +73,11 @@ std::uint8_t NStep(QZNSyncDTSState *s, const double *target, double *out) {
     }
     for (int i = 0; i < s->axisNum; ++i) {
         const std::int32_t j = s->ringIdx[i];
-        if (j == 0) {
-            s->avgSum[i] = s->avgResum[i];
-            s->avgResum[i] = 0.0;
-        }
-        s->avgResum[i] = s->avgResum[i] + y[i];
-        s->avgSum[i] = (s->avgSum[i] - s->ringBuf[i][j]) + y[i];
-        s->ringBuf[i][j] = y[i];
+        SlideResumOnWrap(&s->avgSum[i], &s->avgResum[i], s->ringBuf[i], j, y[i]);
         const double p = s->avgSum[i] / s->avgLenD[i];
         out[i] = p;
         UpdateDerivatives(s, i, p, s->axis[i].baseDt);
-        s->ringIdx[i] = j + 1 >= s->avgLen[i] ? 0 : j + 1;
+        s->ringIdx[i] = NextSlot(j, s->avgLen[i]);
     }
     return 1;
 }

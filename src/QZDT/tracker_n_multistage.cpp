@@ -16,6 +16,7 @@
 #include "QZDT/smoothing.h"
 #include "QZDT/tracker.h"
 #include "QZDT/tracker_multistage.h"
+#include "internal/moving_average.h"
 
 namespace qz::detail {
 
@@ -68,7 +69,7 @@ void NmResetStep(QZNSyncDTSMState *s, const double *target, double *out) {
         const double p = out[i];
         s->rawPos[i] = p;
         s->pos[i] = p;
-        for (int k = 0; k < s->avgLen[i]; ++k) s->ringBuf[i][k] = p;
+        FillRing(s->ringBuf[i], s->avgLen[i], p);
         s->avgSum[i] = p * s->avgLenD[i];
         s->resumCount[i] = 0;
         s->ringIdx[i] = 0;
@@ -84,18 +85,15 @@ void NmSmooth(QZNSyncDTSMState *s, const double *y, double *out) {
     bool resummed = false;
     for (int i = 0; i < s->axisNum; ++i) {
         const std::int32_t j = s->ringIdx[i];
-        s->avgSum[i] = (s->avgSum[i] - s->ringBuf[i][j]) + y[i];
-        s->ringBuf[i][j] = y[i];
+        SlideSum(&s->avgSum[i], s->ringBuf[i], j, y[i]);
         const double p = s->avgSum[i] / s->avgLenD[i];
         out[i] = p;
         UpdateDerivatives(s, i, p, s->axis[i].stage[0].baseDt);
-        s->ringIdx[i] = j + 1 >= s->avgLen[i] ? 0 : j + 1;
+        s->ringIdx[i] = NextSlot(j, s->avgLen[i]);
         s->resumCount[i] = s->resumCount[i] + 1;
         if (!resummed && s->resumCount[i] > kResumEvery) {
             s->resumCount[i] = 0;
-            double sum = 0.0;
-            for (int k = 0; k < s->avgLen[i]; ++k) sum = sum + s->ringBuf[i][k];
-            s->avgSum[i] = sum;
+            s->avgSum[i] = RingSum(s->ringBuf[i], s->avgLen[i]);
             resummed = true;
         }
     }

@@ -1,17 +1,15 @@
 // Averaging filter.
 //
-// Each channel keeps its last L samples in a ring and the sum of that ring. A filtering call
-// replaces the oldest sample by the new one and updates the sum by one subtraction and one
-// addition, so the work per sample does not depend on L. Such a sliding sum accumulates
-// rounding without bound over a long run; to stop that, a second sum (avgResum) collects the
-// samples of the current pass of the ring from 0.0, and when the ring wraps it holds the sum of
-// exactly the current window, which then replaces the sliding sum. The error of the sliding sum
-// is thereby limited to what one pass of the ring can build up.
+// Each channel keeps its last L samples in a ring and the sliding sum of that ring, replaced by
+// the exact sum of the window (avgResum) at every wrap of the ring (internal/moving_average.h);
+// the work per sample does not depend on L. All channels share one ring index.
 //
 // The first call after initialisation or QZAVGF_OnEmpty fills the whole window with its input
 // (its sum formed by repeated addition, as the sliding updates would have formed it), so the
 // output starts at the input instead of ramping up from zero.
 #include "QZFLT.h"
+
+#include "internal/moving_average.h"
 
 namespace qz::detail {
 
@@ -24,13 +22,8 @@ void Prime(QZAVGFState *s, const double *x, double *avg, double *dAvg) {
     const int32_t len = s->avgLen;
     for (int32_t ch = 0; ch < s->chNum; ++ch) {
         const double xi = x[ch];
-        double *ring = s->ringBuf[ch];
-        s->avgSum[ch] = 0.0;
-        s->avgResum[ch] = 0.0;
-        for (int32_t k = 0; k < len; ++k) {
-            ring[k] = xi;
-            s->avgSum[ch] += xi;
-        }
+        FillRing(s->ringBuf[ch], len, xi);
+        s->avgSum[ch] = RingSum(s->ringBuf[ch], len);
         s->avgResum[ch] = s->avgSum[ch];
         avg[ch] = xi;
         dAvg[ch] = 0.0;
@@ -45,19 +38,13 @@ void Filter(QZAVGFState *s, const double *x, double *avg, double *dAvg) {
     const int32_t len = s->avgLen;
     for (int32_t ch = 0; ch < s->chNum; ++ch) {
         const double xi = x[ch];
-        if (i == 0) {
-            s->avgSum[ch] = s->avgResum[ch];
-            s->avgResum[ch] = 0.0;
-        }
-        s->avgResum[ch] += xi;
-        s->avgSum[ch] = (s->avgSum[ch] - s->ringBuf[ch][i]) + xi;
-        s->ringBuf[ch][i] = xi;
+        SlideResumOnWrap(&s->avgSum[ch], &s->avgResum[ch], s->ringBuf[ch], i, xi);
         const double a = s->avgSum[ch] / len;
         avg[ch] = a;
         dAvg[ch] = (a - s->prevAvg[ch]) / s->dt;
         s->prevAvg[ch] = a;
     }
-    s->ringIdx = (i + 1 >= len) ? 0 : i + 1;
+    s->ringIdx = NextSlot(i, len);
 }
 
 int32_t AvgfInit(QZAVGFState *s, int32_t chNum, int32_t avgLen, double dt) {
