@@ -20,6 +20,7 @@ namespace {
 
 constexpr double kJerkMin = 1.0, kJerkMax = 1e12;
 constexpr std::int32_t kSpanMin = 3, kSpanMax = 30;
+static_assert(kSpanMax <= kRingSlots, "the longest span fits the ring");
 
 std::uint8_t NInit(QZNSyncDTSState *s, std::int32_t n, double cycleMs, const double *velLmt,
                    const double *accLmt, const double *jerkLmt) {

@@ -25,6 +25,7 @@ namespace {
 constexpr double kJerkMin = 1000.0, kJerkMax = 1e7;
 constexpr std::int32_t kSpanMin = 5, kSpanMax = 100;
 constexpr std::int32_t kSpanMode1 = 5, kSpanCascade = 20;
+static_assert(kSpanMax <= kRingSlots && kSpanCascade <= kRingSlots, "every span fits the ring");
 constexpr std::int32_t kResumEvery = 1000;
 constexpr double kJumpShare = 0.01;
 

@@ -9,14 +9,12 @@
 // output starts at the input instead of ramping up from zero.
 #include "QZFLT.h"
 
+#include "internal/capacity.h"
 #include "internal/moving_average.h"
 
 namespace qz::detail {
 
 namespace {
-
-constexpr int32_t kMaxChannels = 8;
-constexpr int32_t kMaxWindow = 100;
 
 void Prime(QZAVGFState *s, const double *x, double *avg, double *dAvg) {
     const int32_t len = s->avgLen;
@@ -48,7 +46,7 @@ void Filter(QZAVGFState *s, const double *x, double *avg, double *dAvg) {
 }
 
 int32_t AvgfInit(QZAVGFState *s, int32_t chNum, int32_t avgLen, double dt) {
-    if (chNum < 1 || chNum > kMaxChannels || avgLen < 1 || avgLen > kMaxWindow) return 0;
+    if (chNum < 1 || chNum > kMaxChannels || avgLen < 1 || avgLen > kRingSlots) return 0;
     s->dt = dt;
     s->chNum = chNum;
     s->avgLen = avgLen;
