@@ -45,7 +45,7 @@ void Filter(QZAVGFState *s, const double *x, double *avg, double *dAvg) {
     s->ringIdx = NextSlot(i, len);
 }
 
-int32_t AvgfInit(QZAVGFState *s, int32_t chNum, int32_t avgLen, double dt) {
+int32_t AveragingFilterInit(QZAVGFState *s, int32_t chNum, int32_t avgLen, double dt) {
     if (chNum < 1 || chNum > kMaxChannels || avgLen < 1 || avgLen > kRingSlots) return 0;
     s->dt = dt;
     s->chNum = chNum;
@@ -61,14 +61,14 @@ int32_t AvgfInit(QZAVGFState *s, int32_t chNum, int32_t avgLen, double dt) {
     return 1;
 }
 
-int32_t AvgfEmpty(QZAVGFState *s) {
+int32_t AveragingFilterEmpty(QZAVGFState *s) {
     if (s->isInit == 0) return 0;
     for (int32_t ch = 0; ch < kMaxChannels; ++ch) s->prevAvg[ch] = 0.0;
     s->resetPending = 1;
     return 1;
 }
 
-int32_t AvgfFilt(QZAVGFState *s, const double *x, double *avg, double *dAvg) {
+int32_t AveragingFilterStep(QZAVGFState *s, const double *x, double *avg, double *dAvg) {
     if (s->isInit == 0) return 0;
     if (s->resetPending == 1) {
         Prime(s, x, avg, dAvg);
@@ -86,11 +86,11 @@ using namespace qz::detail;
 extern "C" {
 
 QZ_API int32_t QZAVGF_OnInit(QZAVGFState *s, int32_t chNum, int32_t avgLen, double dt) {
-    return AvgfInit(s, chNum, avgLen, dt);
+    return AveragingFilterInit(s, chNum, avgLen, dt);
 }
-QZ_API int32_t QZAVGF_OnEmpty(QZAVGFState *s) { return AvgfEmpty(s); }
+QZ_API int32_t QZAVGF_OnEmpty(QZAVGFState *s) { return AveragingFilterEmpty(s); }
 QZ_API int32_t QZAVGF_OnFilt(QZAVGFState *s, const double *x, double *avg, double *dAvg) {
-    return AvgfFilt(s, x, avg, dAvg);
+    return AveragingFilterStep(s, x, avg, dAvg);
 }
 
 }  // extern "C"
