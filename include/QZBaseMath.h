@@ -24,6 +24,11 @@
 #define QZ_API
 #endif
 
+/* Capacities of the caller-held records of QZDT.h and QZFLT.h, which size their arrays by these. */
+#define QZ_MAX_AXES 8     /* axes of the N-axis trackers and of the estimator */
+#define QZ_MAX_CHANNELS 8 /* channels of the averaging filter and of the one-step fitter */
+#define QZ_RING_LEN 100   /* slots of a moving-average ring: the longest averaging window */
+
 #ifdef __cplusplus
 extern "C" {
 #endif

@@ -73,20 +73,23 @@ QZ_API uint8_t QZVDT_OnSetRunTimeAcc(QZVDTState *s, double accLmt);
  * The running sum of a ring is replaced by its exact sum every time the ring wraps. An axis
  * tracker whose isInit the caller has cleared is stepped as refusing: its raw output counts as 0. */
 typedef struct QZNSyncDTSState {
-    QZVDTState axis[8];      /* single-axis tracker per axis */
-    int32_t axisNum;         /* axes in use, 1..8 */
-    uint8_t isInit;          /* 1 once initialised */
-    uint8_t resetPending;    /* 1: the next step starts the axes afresh at their targets */
-    double vel[8];           /* smoothed velocity (units/s) */
-    double acc[8];           /* smoothed acceleration (units/s^2) */
-    double pos[8];           /* smoothed position, the last output */
-    double target[8];        /* targets of the last step */
-    double ringBuf[8][100];  /* last raw tracker outputs; the first avgLen slots are used */
-    int32_t avgLen[8];       /* averaging span (cycles), 3..30 */
-    double avgLenD[8];       /* avgLen as a double, the divisor of the average */
-    double avgSum[8];        /* running sum of the used slots */
-    double avgResum[8];      /* sum of the raw outputs entered since ringIdx was last 0 */
-    int32_t ringIdx[8];      /* slot the next raw output overwrites */
+    QZVDTState axis[QZ_MAX_AXES];             /* single-axis tracker per axis */
+    int32_t axisNum;                          /* axes in use, 1..8 */
+    uint8_t isInit;                           /* 1 once initialised */
+    uint8_t resetPending;                     /* 1: the next step starts the axes afresh at their
+                                                 targets */
+    double vel[QZ_MAX_AXES];                  /* smoothed velocity (units/s) */
+    double acc[QZ_MAX_AXES];                  /* smoothed acceleration (units/s^2) */
+    double pos[QZ_MAX_AXES];                  /* smoothed position, the last output */
+    double target[QZ_MAX_AXES];               /* targets of the last step */
+    double ringBuf[QZ_MAX_AXES][QZ_RING_LEN]; /* last raw tracker outputs; the first avgLen slots
+                                                 are used */
+    int32_t avgLen[QZ_MAX_AXES];              /* averaging span (cycles), 3..30 */
+    double avgLenD[QZ_MAX_AXES];              /* avgLen as a double, the divisor of the average */
+    double avgSum[QZ_MAX_AXES];               /* running sum of the used slots */
+    double avgResum[QZ_MAX_AXES];             /* sum of the raw outputs entered since ringIdx was
+                                                 last 0 */
+    int32_t ringIdx[QZ_MAX_AXES];             /* slot the next raw output overwrites */
 } QZNSyncDTSState;
 
 /* Initialises n axes (1..8) from per-axis limits: velocity (units/s), acceleration (units/s^2)
@@ -157,25 +160,27 @@ QZ_API uint8_t QZVDT_OnSetRunTimeLmtM(QZVDTMState *s, double velLmt, double accL
  * control cycle) with jitter, for up to 8 axes, with a measured and a smoothed velocity. The
  * record has no isInit field: call QZOnInitEst first; its operations always act and return 1. */
 typedef struct QZNEstState {
-    int32_t axisNum;        /* number of axes, 1..8 */
-    double heldPos[8];      /* position handed out on the last call */
-    double velEst[8];       /* smoothed velocity (units/s), stepped towards velMeas every call,
-                               dropped to 0 after holdLimit calls without a sample */
-    double velMeas[8];      /* measured velocity after the near-limit cut and the clamps */
-    double lastSample[8];   /* latest sample */
-    double velRaw[8];       /* measured velocity before the cut and the clamps */
-    double velLmtCur[8];    /* current velocity limit */
-    double velLmtMax[8];    /* maximum velocity limit */
-    double dt;              /* sample period (s) */
-    int32_t ticksSinceSample; /* calls since the last new sample */
-    int32_t cycleMsInt;     /* sample period in whole ms (truncated) */
-    int32_t holdLimit;      /* calls without a sample after which velEst is dropped (<= 50) */
-    int32_t resetPending;   /* 1: the next step starts afresh from its samples */
-    int32_t lastStamp;      /* stamp of the latest sample */
-    uint8_t nearLimit[8];   /* 1 while the reference velocity is near its maximum (hysteresis) */
-    int32_t sampleCount;    /* samples counted towards the next jitter score */
-    int32_t jitterSum;      /* accumulated arrival penalty (saturates at INT32_MAX) */
-    double jitterScore;     /* last jitter score, 0 (regular) to 100, refreshed every 200 samples */
+    int32_t axisNum;                /* number of axes, 1..8 */
+    double heldPos[QZ_MAX_AXES];    /* position handed out on the last call */
+    double velEst[QZ_MAX_AXES];     /* smoothed velocity (units/s), stepped towards velMeas every
+                                       call, dropped to 0 after holdLimit calls without a sample */
+    double velMeas[QZ_MAX_AXES];    /* measured velocity after the near-limit cut and the clamps */
+    double lastSample[QZ_MAX_AXES]; /* latest sample */
+    double velRaw[QZ_MAX_AXES];     /* measured velocity before the cut and the clamps */
+    double velLmtCur[QZ_MAX_AXES];  /* current velocity limit */
+    double velLmtMax[QZ_MAX_AXES];  /* maximum velocity limit */
+    double dt;                      /* sample period (s) */
+    int32_t ticksSinceSample;       /* calls since the last new sample */
+    int32_t cycleMsInt;             /* sample period in whole ms (truncated) */
+    int32_t holdLimit;              /* calls without a sample after which velEst is dropped (<= 50) */
+    int32_t resetPending;           /* 1: the next step starts afresh from its samples */
+    int32_t lastStamp;              /* stamp of the latest sample */
+    uint8_t nearLimit[QZ_MAX_AXES]; /* 1 while the reference velocity is near its maximum
+                                       (hysteresis) */
+    int32_t sampleCount;            /* samples counted towards the next jitter score */
+    int32_t jitterSum;              /* accumulated arrival penalty (saturates at INT32_MAX) */
+    double jitterScore;             /* last jitter score, 0 (regular) to 100, refreshed every 200
+                                       samples */
 } QZNEstState;
 
 /* Initialises n axes (1..8; axisNum keeps n, the axis loops cover at most 8 and none for n <= 0)
@@ -201,10 +206,10 @@ QZ_API int32_t QZNEst_OnDT(QZNEstState *s, int32_t stamp, const double *x, doubl
 /* One-pole low-pass filter on up to eight channels: y = x*alpha + (1 - alpha)*y_prev per channel,
  * starting from 0. This record has no isInit field: run it only after OneFitterInit. */
 typedef struct OneFitterState {
-    int32_t axisNum;    /* channels in use, as given to OneFitterInit */
-    double state[8];    /* per channel, the last output */
-    double lastOut[8];  /* outputs of the last run, for the caller */
-    double alpha[8];    /* per channel, weight of the new input (1 passes, 0 freezes) */
+    int32_t axisNum;                 /* channels in use, as given to OneFitterInit */
+    double state[QZ_MAX_CHANNELS];   /* per channel, the last output */
+    double lastOut[QZ_MAX_CHANNELS]; /* outputs of the last run, for the caller */
+    double alpha[QZ_MAX_CHANNELS];   /* per channel, weight of the new input (1 passes, 0 freezes) */
 } OneFitterState;
 
 /* Sets n channels with coefficients alpha[0..n-1] (not checked) and clears state and lastOut
@@ -217,18 +222,20 @@ QZ_API int32_t OneFitterRun(OneFitterState *s, const double *x, double *out);
 
 /* ---- Control error comparator ----------------------------------------------------------- */
 
+#define QZ_DCTRL_SLOTS 8 /* slots of the comparator's arrays: the seven joints and one unused */
+
 /* Per joint of seven: the error between two joint vectors passes a dead band of 0.15, is
  * clamped to errLmt, integrated into integ clamped to integLmt, and the correction
  * kInteg*integ + kProp*err is clamped to outLmt. Slot 7 of every array is unused. The caller
  * may overwrite gains and limits after QZ_DCTRL_ErrorCompare_Init. */
 typedef struct QZDCTRLErrorState {
-    double err[8];      /* dead-banded, clamped error of the last call */
-    double integ[8];    /* clamped running sum of err */
-    double kInteg[8];   /* gain on integ: 0.03 base joints 0-3, 0.02 wrist joints 4-6 */
-    double kProp[8];    /* gain on err: 0 */
-    double outLmt[8];   /* correction limit (+-): 0.9 base, 0.6 wrist */
-    double errLmt[8];   /* error limit (+-): 1.5 base, 1.0 wrist */
-    double integLmt[8]; /* integral limit (+-): 30 */
+    double err[QZ_DCTRL_SLOTS];      /* dead-banded, clamped error of the last call */
+    double integ[QZ_DCTRL_SLOTS];    /* clamped running sum of err */
+    double kInteg[QZ_DCTRL_SLOTS];   /* gain on integ: 0.03 base joints 0-3, 0.02 wrist joints 4-6 */
+    double kProp[QZ_DCTRL_SLOTS];    /* gain on err: 0 */
+    double outLmt[QZ_DCTRL_SLOTS];   /* correction limit (+-): 0.9 base, 0.6 wrist */
+    double errLmt[QZ_DCTRL_SLOTS];   /* error limit (+-): 1.5 base, 1.0 wrist */
+    double integLmt[QZ_DCTRL_SLOTS]; /* integral limit (+-): 30 */
 } QZDCTRLErrorState;
 
 /* Clears err and integ and installs the default gains and limits for joints 0-6 (slot 7 of
@@ -247,22 +254,23 @@ QZ_API int32_t QZ_DCTRL_ErrorCompare(int32_t unused, const double *first, const 
  * their rings after every 1000 steps, at most one axis per call. A stage whose isInit the
  * caller has cleared is stepped as refusing: its output counts as 0. */
 typedef struct QZNSyncDTSMState {
-    QZVDTMState axis[8];     /* multi-stage tracker per axis */
-    int32_t axisNum;         /* axes in use, 1..8 */
-    uint8_t isInit;          /* 1 once initialised */
-    uint8_t resetPending;    /* 1: the next step starts afresh at the targets */
-    double vel[8];           /* smoothed velocity (units/s) */
-    double acc[8];           /* smoothed acceleration (units/s^2) */
-    double rawPos[8];        /* unsmoothed output of each axis's multi-stage step */
-    double pos[8];           /* smoothed position, the last output */
-    double target[8];        /* targets of the last step */
-    double prevTarget[8];    /* targets of the step before, for the jump test */
-    double ringBuf[8][100];  /* last raw outputs; the first avgLen slots are used */
-    int32_t avgLen[8];       /* averaging span (cycles), 5..100 */
-    double avgLenD[8];       /* avgLen as a double, the divisor */
-    double avgSum[8];        /* running sum of the used slots */
-    int32_t resumCount[8];   /* steps since avgSum was last recomputed from the ring */
-    int32_t ringIdx[8];      /* slot the next raw output overwrites */
+    QZVDTMState axis[QZ_MAX_AXES];            /* multi-stage tracker per axis */
+    int32_t axisNum;                          /* axes in use, 1..8 */
+    uint8_t isInit;                           /* 1 once initialised */
+    uint8_t resetPending;                     /* 1: the next step starts afresh at the targets */
+    double vel[QZ_MAX_AXES];                  /* smoothed velocity (units/s) */
+    double acc[QZ_MAX_AXES];                  /* smoothed acceleration (units/s^2) */
+    double rawPos[QZ_MAX_AXES];               /* unsmoothed output of each axis's multi-stage step */
+    double pos[QZ_MAX_AXES];                  /* smoothed position, the last output */
+    double target[QZ_MAX_AXES];               /* targets of the last step */
+    double prevTarget[QZ_MAX_AXES];           /* targets of the step before, for the jump test */
+    double ringBuf[QZ_MAX_AXES][QZ_RING_LEN]; /* last raw outputs; the first avgLen slots are used */
+    int32_t avgLen[QZ_MAX_AXES];              /* averaging span (cycles), 5..100 */
+    double avgLenD[QZ_MAX_AXES];              /* avgLen as a double, the divisor */
+    double avgSum[QZ_MAX_AXES];               /* running sum of the used slots */
+    int32_t resumCount[QZ_MAX_AXES];          /* steps since avgSum was last recomputed from the
+                                                 ring */
+    int32_t ringIdx[QZ_MAX_AXES];             /* slot the next raw output overwrites */
 } QZNSyncDTSMState;
 
 /* Initialises n axes (1..8) in one mode. Jerk limits are clamped in place to [1000, 1e7] (NaN

@@ -25,16 +25,21 @@ extern "C" {
  * Zero a new record before its first QZAVGF_OnInit: the other functions tell an initialised
  * record by isInit, so on a record of undefined contents their refusal is meaningless. */
 typedef struct QZAVGFState {
-    double ringBuf[8][100]; /* per channel, the last avgLen samples; slot ringIdx is the oldest */
-    double avgSum[8];       /* per channel, sum of the window */
-    double avgResum[8];     /* per channel, sum of the samples entered since ringIdx last wrapped */
-    double prevAvg[8];      /* per channel, the average output by the previous call */
-    int32_t chNum;          /* channels in use, 1 to 8 */
-    int32_t ringIdx;        /* slot the next sample overwrites, shared by all channels */
-    int32_t avgLen;         /* window length, 1 to 100 */
-    int32_t isInit;         /* 1 after a successful QZAVGF_OnInit */
-    uint8_t resetPending;   /* 1: the next QZAVGF_OnFilt primes the window */
-    double dt;              /* sample period, the divisor of the derivative output */
+    double ringBuf[QZ_MAX_CHANNELS][QZ_RING_LEN]; /* per channel, the last avgLen samples; slot
+                                                     ringIdx is the oldest */
+    double avgSum[QZ_MAX_CHANNELS];               /* per channel, sum of the window */
+    double avgResum[QZ_MAX_CHANNELS];             /* per channel, sum of the samples entered since
+                                                     ringIdx last wrapped */
+    double prevAvg[QZ_MAX_CHANNELS];              /* per channel, the average output by the previous
+                                                     call */
+    int32_t chNum;                                /* channels in use, 1 to 8 */
+    int32_t ringIdx;                              /* slot the next sample overwrites, shared by all
+                                                     channels */
+    int32_t avgLen;                               /* window length, 1 to 100 */
+    int32_t isInit;                               /* 1 after a successful QZAVGF_OnInit */
+    uint8_t resetPending;                         /* 1: the next QZAVGF_OnFilt primes the window */
+    double dt;                                    /* sample period, the divisor of the derivative
+                                                     output */
 } QZAVGFState;
 
 /* Sets up chNum channels (1..8) over a window of avgLen samples (1..100) with sample period dt

@@ -322,9 +322,7 @@ QZ_API uint8_t eig7(double *A, double *V, double eps);
 QZ_API uint8_t generalized_eig(double eps, const double *A, const double *B, double *V,
                                double *lambda);
 /* As generalized_eig on 7-by-7 arrays, lambda[i] = K[i][i] and V = L^-T W in eig7's order, no
-   sign change. NOT REENTRANT: the factor, its inverse and the inverse's transpose live in three
-   static 7-by-7 arrays shared by all calls, so calls must never overlap (callers serialize, for
-   instance from two threads); every other function here is reentrant. */
+   sign change. Reentrant, like every other function here: its work arrays live on the stack. */
 QZ_API uint8_t generalized_eig7(double eps, const double *A, const double *B, double *V,
                                 double *lambda);
 

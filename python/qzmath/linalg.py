@@ -6,7 +6,6 @@ library's routine for the shape, so results carry its exact bits: for instance a
 of size 2 to 8 goes through QZ_MatrixMult<n>, other shapes through QZ_MatrixMultXmX.
 """
 import ctypes
-import threading
 
 from ._api import lib
 from . import _arrays as A
@@ -14,10 +13,6 @@ from .errors import ConvergenceError, SingularError
 
 _D = ctypes.c_double
 _SIZES = range(2, 9)
-
-# generalized_eig7 works in static storage: overlapping calls would corrupt each other, and
-# ctypes releases the interpreter lock during a call, so Python threads are serialised here.
-_EIG7_LOCK = threading.Lock()
 
 
 def _fixed(name, n):
@@ -293,11 +288,8 @@ def generalized_eig(a, b, eps=1e-15):
     x, n = A.square(a, "a", (6, 7))
     y = A.vector(b, n * n, "b")
     v, lam = A.doubles(n * n), A.doubles(n)
-    if n == 6:
-        ok = lib.generalized_eig(eps, x, y, v, lam)
-    else:
-        with _EIG7_LOCK:
-            ok = lib.generalized_eig7(eps, x, y, v, lam)
+    solve = lib.generalized_eig if n == 6 else lib.generalized_eig7
+    ok = solve(eps, x, y, v, lam)
     if not ok:
         raise SingularError("B not positive definite, or the eigen decomposition failed")
     cols = A.to_rows(v, n, n)

@@ -13,7 +13,6 @@ namespace qz::detail {
 
 namespace {
 
-constexpr double kRadToDeg = 57.29577951308232;
 constexpr double kTurnDeg = 360.0;
 
 // Wrapping an angle difference by whole turns.

@@ -15,17 +15,8 @@ QZ_API double QZ_COS_ARC(double a) { return CosArc(a); }
 QZ_API double QZ_SIN_DEG(double d) { return SinDeg(d); }
 QZ_API double QZ_COS_DEG(double d) { return CosDeg(d); }
 
-// The sine is stored first, so that with s == c the cosine is what remains.
-QZ_API void QZ_SIN_COS_ARC(double a, double *s, double *c) {
-    *s = SinArc(a);
-    *c = SinArc(kHalfPi - a);
-}
-
-QZ_API void QZ_SIN_COS_DEG(double d, double *s, double *c) {
-    const double r = kDegToRad * d;
-    *s = SinArc(r);
-    *c = SinArc(kHalfPi - r);
-}
+QZ_API void QZ_SIN_COS_ARC(double a, double *s, double *c) { SinCosArc(a, s, c); }
+QZ_API void QZ_SIN_COS_DEG(double d, double *s, double *c) { SinCosDeg(d, s, c); }
 
 // (1 - cos(pi x)) / 2 written as a sine, mirrored for negative x. Beyond the clamp the sine is
 // exactly 1, so the result saturates at exactly +-1.

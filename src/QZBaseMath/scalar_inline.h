@@ -15,7 +15,8 @@ namespace qz::detail {
 
 constexpr double kHalfPi = 1.5707963267948966;
 constexpr double kPi = 3.141592653589793;
-constexpr double kDegToRad = 0.017453292519943295;
+constexpr double kDegToRad = 0.017453292519943295;  // radians per degree
+constexpr double kRadToDeg = 57.29577951308232;     // degrees per radian
 constexpr double kOneThird = 0.3333333333333333;
 constexpr double kZeroTol = 1e-16;
 constexpr double kZeroTolLoose = 1e-15;
@@ -27,7 +28,18 @@ inline double SinArc(double a) { return std::sin(a); }
 // Every cosine is the sine of half pi minus the angle, the difference rounded first.
 inline double CosArc(double a) { return SinArc(kHalfPi - a); }
 inline double SinDeg(double d) { return SinArc(kDegToRad * d); }
-inline double CosDeg(double d) { return SinArc(kHalfPi - kDegToRad * d); }
+inline double CosDeg(double d) { return CosArc(kDegToRad * d); }
+// Both of one angle. The sine is stored first, so that with s == c the cosine is what remains.
+inline void SinCosArc(double a, double *s, double *c) {
+    *s = SinArc(a);
+    *c = CosArc(a);
+}
+// Degrees are turned into radians once, then the sine and cosine taken of that value.
+inline void SinCosDeg(double d, double *s, double *c) {
+    const double r = kDegToRad * d;
+    *s = SinArc(r);
+    *c = CosArc(r);
+}
 inline double ATan2(double y, double x) { return std::atan2(y, x); }
 // Rounding can push a cosine just outside [-1, 1]; clamp so that it gives 0 or pi, not NaN.
 // The upper clamp is a comparison so that NaN passes through.

@@ -14,6 +14,8 @@ namespace qz::detail {
 namespace {
 
 constexpr int kJoints = 7;
+constexpr int kSlots = kJoints + 1;  // one unused slot at the end of every array
+static_assert(QZ_DCTRL_SLOTS == kSlots, "QZ_DCTRL_SLOTS sizes the comparator's arrays");
 constexpr int kBaseJoints = 4;
 constexpr double kDeadBand = 0.15;
 
@@ -36,7 +38,7 @@ double DeadBand(double e) {
 }
 
 int32_t ErrInit(QZDCTRLErrorState *s) {
-    for (int j = 0; j < 8; ++j) {
+    for (int j = 0; j < kSlots; ++j) {
         const bool used = j < kJoints;
         const JointDefaults &d = j < kBaseJoints ? kBase : kWrist;
         s->err[j] = 0.0;

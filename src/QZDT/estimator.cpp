@@ -14,12 +14,12 @@
 
 #include "QZBaseMath/scalar_inline.h"
 #include "QZBaseMath/target_inline.h"
+#include "internal/capacity.h"
 
 namespace qz::detail {
 
 namespace {
 
-constexpr int kMaxAxes = 8;
 constexpr int32_t kStampWrap = 9993;
 constexpr int32_t kMaxHold = 50;
 constexpr int32_t kScoreEvery = 200;

@@ -4,10 +4,10 @@
 // The record holds eight channels; a larger count is kept as given but never indexes past them.
 #include "QZDT.h"
 
+#include "internal/capacity.h"
+
 namespace qz::detail {
 namespace {
-
-constexpr int32_t kMaxChannels = 8;
 
 int32_t ChannelsInUse(int32_t n) { return n > kMaxChannels ? kMaxChannels : n; }
 

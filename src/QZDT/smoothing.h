@@ -5,10 +5,9 @@
 
 #include <cstdint>
 
-namespace qz::detail {
+#include "internal/capacity.h"
 
-constexpr int kMaxAxes = 8;
-constexpr int kRingSlots = 100;
+namespace qz::detail {
 
 // Averaging span from the ratio of build-up time to cycle time: truncated toward zero and clamped
 // to [lo, hi]. Compared before converting, so that an infinite or huge ratio gives hi and a NaN

@@ -7,13 +7,12 @@
 // ramp of that length: the smoothed motion has an S-shaped velocity and a bounded jerk, and lags
 // the raw one by (avgLen - 1) / 2 cycles.
 //
-// The mean comes from a running sum, updated by one subtraction and one addition per cycle so
-// that its cost does not depend on the span. Each time the ring index returns to slot 0 the ring
-// holds exactly the values entered since the previous return, whose sum has been kept alongside
-// (avgResum): it replaces the running sum, so rounding errors never accumulate beyond one wrap.
+// The mean comes from a sliding sum, so that its cost does not depend on the span, replaced by
+// the exact sum of the window (avgResum) each time the ring wraps (internal/moving_average.h).
 #include "QZBaseMath/scalar_inline.h"
 #include "QZDT/smoothing.h"
 #include "QZDT/tracker.h"
+#include "internal/moving_average.h"
 
 namespace qz::detail {
 
@@ -21,9 +20,10 @@ namespace {
 
 constexpr double kJerkMin = 1.0, kJerkMax = 1e12;
 constexpr std::int32_t kSpanMin = 3, kSpanMax = 30;
+static_assert(kSpanMax <= kRingSlots, "the longest span fits the ring");
 
-std::uint8_t NInit(QZNSyncDTSState *s, std::int32_t n, double cycleMs, const double *velLmt,
-                   const double *accLmt, const double *jerkLmt) {
+std::uint8_t SmoothedTrackerInit(QZNSyncDTSState *s, std::int32_t n, double cycleMs,
+                                 const double *velLmt, const double *accLmt, const double *jerkLmt) {
     s->axisNum = 0;
     s->isInit = 0;
     if (n < 1 || n > kMaxAxes) return 0;
@@ -44,13 +44,13 @@ std::uint8_t NInit(QZNSyncDTSState *s, std::int32_t n, double cycleMs, const dou
 
 // First step after initialisation or emptying: the axis trackers snap to their targets and each
 // ring is filled with that position, so the average starts at rest on it.
-void NResetStep(QZNSyncDTSState *s, const double *target, double *out) {
+void SmoothedTrackerResetStep(QZNSyncDTSState *s, const double *target, double *out) {
     for (int i = 0; i < s->axisNum; ++i) {
         s->target[i] = target[i];
         VdtStep(&s->axis[i], s->target[i], &out[i]);
         const double p = out[i];
         s->pos[i] = p;
-        for (int k = 0; k < s->avgLen[i]; ++k) s->ringBuf[i][k] = p;
+        FillRing(s->ringBuf[i], s->avgLen[i], p);
         s->avgSum[i] = p * s->avgLenD[i];
         s->avgResum[i] = p * s->avgLenD[i];
         s->ringIdx[i] = 0;
@@ -60,10 +60,10 @@ void NResetStep(QZNSyncDTSState *s, const double *target, double *out) {
     s->resetPending = 0;
 }
 
-std::uint8_t NStep(QZNSyncDTSState *s, const double *target, double *out) {
+std::uint8_t SmoothedTrackerStep(QZNSyncDTSState *s, const double *target, double *out) {
     if (s->isInit == 0) return 0;
     if (s->resetPending == 1) {
-        NResetStep(s, target, out);
+        SmoothedTrackerResetStep(s, target, out);
         return 1;
     }
     // All targets are read before any output is written, so out may be the target array.
@@ -74,23 +74,17 @@ std::uint8_t NStep(QZNSyncDTSState *s, const double *target, double *out) {
     }
     for (int i = 0; i < s->axisNum; ++i) {
         const std::int32_t j = s->ringIdx[i];
-        if (j == 0) {
-            s->avgSum[i] = s->avgResum[i];
-            s->avgResum[i] = 0.0;
-        }
-        s->avgResum[i] = s->avgResum[i] + y[i];
-        s->avgSum[i] = (s->avgSum[i] - s->ringBuf[i][j]) + y[i];
-        s->ringBuf[i][j] = y[i];
+        SlideResumOnWrap(&s->avgSum[i], &s->avgResum[i], s->ringBuf[i], j, y[i]);
         const double p = s->avgSum[i] / s->avgLenD[i];
         out[i] = p;
         UpdateDerivatives(s, i, p, s->axis[i].baseDt);
-        s->ringIdx[i] = j + 1 >= s->avgLen[i] ? 0 : j + 1;
+        s->ringIdx[i] = NextSlot(j, s->avgLen[i]);
     }
     return 1;
 }
 
 template <class AxisOp>
-std::uint8_t NForEachAxis(QZNSyncDTSState *s, AxisOp op) {
+std::uint8_t ForEachAxisTracker(QZNSyncDTSState *s, AxisOp op) {
     if (s->isInit == 0) return 0;
     for (int i = 0; i < s->axisNum; ++i) {
         if (op(&s->axis[i], i) == 0) return 0;
@@ -108,34 +102,35 @@ extern "C" {
 
 QZ_API uint8_t QZNSyncDTS_OnInit(QZNSyncDTSState *s, int32_t n, double cycleMs, const double *velLmt,
                                  const double *accLmt, const double *jerkLmt) {
-    return NInit(s, n, cycleMs, velLmt, accLmt, jerkLmt);
+    return SmoothedTrackerInit(s, n, cycleMs, velLmt, accLmt, jerkLmt);
 }
 
 QZ_API uint8_t QZNSyncDTS_OnEmpty(QZNSyncDTSState *s) {
-    if (NForEachAxis(s, [](QZVDTState *a, int) { return VdtEmpty(a); }) == 0) return 0;
+    if (ForEachAxisTracker(s, [](QZVDTState *a, int) { return VdtEmpty(a); }) == 0) return 0;
     s->resetPending = 1;
     return 1;
 }
 
 QZ_API uint8_t QZNSyncDTS_OnSetRunTimeLmt(QZNSyncDTSState *s, const double *velLmt, const double *accLmt) {
-    return NForEachAxis(s, [=](QZVDTState *a, int i) { return VdtSetLmt(a, velLmt[i], accLmt[i]); });
+    return ForEachAxisTracker(s,
+                              [=](QZVDTState *a, int i) { return VdtSetLmt(a, velLmt[i], accLmt[i]); });
 }
 
 QZ_API uint8_t QZNSyncDTS_OnSetRunTimeVel(QZNSyncDTSState *s, const double *velLmt) {
-    return NForEachAxis(s, [=](QZVDTState *a, int i) { return VdtSetVel(a, velLmt[i]); });
+    return ForEachAxisTracker(s, [=](QZVDTState *a, int i) { return VdtSetVel(a, velLmt[i]); });
 }
 
 QZ_API uint8_t QZNSyncDTS_OnSetRunTimeAcc(QZNSyncDTSState *s, const double *accLmt) {
-    return NForEachAxis(s, [=](QZVDTState *a, int i) { return VdtSetAcc(a, accLmt[i]); });
+    return ForEachAxisTracker(s, [=](QZVDTState *a, int i) { return VdtSetAcc(a, accLmt[i]); });
 }
 
 QZ_API uint8_t QZNSyncDTS_OnDT(QZNSyncDTSState *s, const double *target, double *pos) {
-    return NStep(s, target, pos);
+    return SmoothedTrackerStep(s, target, pos);
 }
 
 QZ_API uint8_t QZNSyncDTS_OnDT2(QZNSyncDTSState *s, const double *target, double *pos, double *vel,
                                 double *acc) {
-    if (NStep(s, target, pos) == 0) return 0;
+    if (SmoothedTrackerStep(s, target, pos) == 0) return 0;
     for (int i = 0; i < s->axisNum; ++i) {
         vel[i] = s->vel[i];
         acc[i] = s->acc[i];
@@ -147,7 +142,7 @@ QZ_API uint8_t QZNSyncDTS_OnDT_NoChange(QZNSyncDTSState *s, double *pos) {
     if (s->isInit == 0) return 0;
     double t[kMaxAxes] = {};
     for (int i = 0; i < s->axisNum; ++i) t[i] = s->target[i];
-    return NStep(s, t, pos);
+    return SmoothedTrackerStep(s, t, pos);
 }
 
 QZ_API uint8_t QZNSyncDTS_OnGetCurPVA(const QZNSyncDTSState *s, double *target, double *pos, double *vel,

@@ -16,6 +16,7 @@
 #include "QZDT/smoothing.h"
 #include "QZDT/tracker.h"
 #include "QZDT/tracker_multistage.h"
+#include "internal/moving_average.h"
 
 namespace qz::detail {
 
@@ -24,11 +25,13 @@ namespace {
 constexpr double kJerkMin = 1000.0, kJerkMax = 1e7;
 constexpr std::int32_t kSpanMin = 5, kSpanMax = 100;
 constexpr std::int32_t kSpanMode1 = 5, kSpanCascade = 20;
+static_assert(kSpanMax <= kRingSlots && kSpanCascade <= kRingSlots, "every span fits the ring");
 constexpr std::int32_t kResumEvery = 1000;
 constexpr double kJumpShare = 0.01;
 
-std::uint8_t NmInit(QZNSyncDTSMState *s, std::int32_t n, double cycleMs, const double *velLmt,
-                    const double *accLmt, double *jerkLmt, std::int32_t mode) {
+std::uint8_t MultiStageSmoothedInit(QZNSyncDTSMState *s, std::int32_t n, double cycleMs,
+                                    const double *velLmt, const double *accLmt, double *jerkLmt,
+                                    std::int32_t mode) {
     s->axisNum = 0;
     s->isInit = 0;
     if (n < 1 || n > kMaxAxes) return 0;
@@ -59,7 +62,7 @@ std::uint8_t NmInit(QZNSyncDTSMState *s, std::int32_t n, double cycleMs, const d
     return 1;
 }
 
-void NmResetStep(QZNSyncDTSMState *s, const double *target, double *out) {
+void MultiStageSmoothedResetStep(QZNSyncDTSMState *s, const double *target, double *out) {
     for (int i = 0; i < s->axisNum; ++i) {
         const double t = target[i];
         s->target[i] = t;
@@ -68,7 +71,7 @@ void NmResetStep(QZNSyncDTSMState *s, const double *target, double *out) {
         const double p = out[i];
         s->rawPos[i] = p;
         s->pos[i] = p;
-        for (int k = 0; k < s->avgLen[i]; ++k) s->ringBuf[i][k] = p;
+        FillRing(s->ringBuf[i], s->avgLen[i], p);
         s->avgSum[i] = p * s->avgLenD[i];
         s->resumCount[i] = 0;
         s->ringIdx[i] = 0;
@@ -79,32 +82,29 @@ void NmResetStep(QZNSyncDTSMState *s, const double *target, double *out) {
 }
 
 // The raw outputs y enter the rings; the smoothed positions go to out.
-void NmSmooth(QZNSyncDTSMState *s, const double *y, double *out) {
+void SmoothRawOutputs(QZNSyncDTSMState *s, const double *y, double *out) {
     for (int i = 0; i < s->axisNum; ++i) s->rawPos[i] = y[i];
     bool resummed = false;
     for (int i = 0; i < s->axisNum; ++i) {
         const std::int32_t j = s->ringIdx[i];
-        s->avgSum[i] = (s->avgSum[i] - s->ringBuf[i][j]) + y[i];
-        s->ringBuf[i][j] = y[i];
+        SlideSum(&s->avgSum[i], s->ringBuf[i], j, y[i]);
         const double p = s->avgSum[i] / s->avgLenD[i];
         out[i] = p;
         UpdateDerivatives(s, i, p, s->axis[i].stage[0].baseDt);
-        s->ringIdx[i] = j + 1 >= s->avgLen[i] ? 0 : j + 1;
+        s->ringIdx[i] = NextSlot(j, s->avgLen[i]);
         s->resumCount[i] = s->resumCount[i] + 1;
         if (!resummed && s->resumCount[i] > kResumEvery) {
             s->resumCount[i] = 0;
-            double sum = 0.0;
-            for (int k = 0; k < s->avgLen[i]; ++k) sum = sum + s->ringBuf[i][k];
-            s->avgSum[i] = sum;
+            s->avgSum[i] = RingSum(s->ringBuf[i], s->avgLen[i]);
             resummed = true;
         }
     }
 }
 
-std::uint8_t NmStep(QZNSyncDTSMState *s, const double *target, double *out) {
+std::uint8_t MultiStageSmoothedStep(QZNSyncDTSMState *s, const double *target, double *out) {
     if (s->isInit == 0) return 0;
     if (s->resetPending == 1) {
-        NmResetStep(s, target, out);
+        MultiStageSmoothedResetStep(s, target, out);
         return 1;
     }
     // All targets are read before any output is written, so out may be the target array.
@@ -117,15 +117,15 @@ std::uint8_t NmStep(QZNSyncDTSMState *s, const double *target, double *out) {
         VdtmStep(a, t, &y[i]);
         s->prevTarget[i] = t;
     }
-    NmSmooth(s, y, out);
+    SmoothRawOutputs(s, y, out);
     return 1;
 }
 
-std::uint8_t NmStepStored(QZNSyncDTSMState *s, double *out) {
+std::uint8_t MultiStageSmoothedStepStored(QZNSyncDTSMState *s, double *out) {
     if (s->isInit == 0 || s->resetPending == 1) return 0;
     double y[kMaxAxes] = {};
     for (int i = 0; i < s->axisNum; ++i) VdtmStep(&s->axis[i], s->target[i], &y[i]);
-    NmSmooth(s, y, out);
+    SmoothRawOutputs(s, y, out);
     return 1;
 }
 
@@ -139,7 +139,7 @@ extern "C" {
 
 QZ_API uint8_t QZNSyncDTS_OnInitM(QZNSyncDTSMState *s, int32_t n, double cycleMs, const double *velLmt,
                                   const double *accLmt, double *jerkLmt, int32_t mode) {
-    return NmInit(s, n, cycleMs, velLmt, accLmt, jerkLmt, mode);
+    return MultiStageSmoothedInit(s, n, cycleMs, velLmt, accLmt, jerkLmt, mode);
 }
 
 QZ_API uint8_t QZNSyncDTS_OnEmptyM(QZNSyncDTSMState *s) {
@@ -156,10 +156,12 @@ QZ_API uint8_t QZNSyncDTS_OnSetRunTimeLmtM(QZNSyncDTSMState *s, const double *ve
 }
 
 QZ_API uint8_t QZNSyncDTS_OnDTM(QZNSyncDTSMState *s, const double *target, double *pos) {
-    return NmStep(s, target, pos);
+    return MultiStageSmoothedStep(s, target, pos);
 }
 
-QZ_API uint8_t QZNSyncDTS_OnDT_UM(QZNSyncDTSMState *s, double *pos) { return NmStepStored(s, pos); }
+QZ_API uint8_t QZNSyncDTS_OnDT_UM(QZNSyncDTSMState *s, double *pos) {
+    return MultiStageSmoothedStepStored(s, pos);
+}
 
 QZ_API uint8_t QZNSyncDTS_OnGetCurPVAM(const QZNSyncDTSMState *s, double *target, double *pos, double *vel,
                                        double *acc) {

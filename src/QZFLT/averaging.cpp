@@ -1,36 +1,27 @@
 // Averaging filter.
 //
-// Each channel keeps its last L samples in a ring and the sum of that ring. A filtering call
-// replaces the oldest sample by the new one and updates the sum by one subtraction and one
-// addition, so the work per sample does not depend on L. Such a sliding sum accumulates
-// rounding without bound over a long run; to stop that, a second sum (avgResum) collects the
-// samples of the current pass of the ring from 0.0, and when the ring wraps it holds the sum of
-// exactly the current window, which then replaces the sliding sum. The error of the sliding sum
-// is thereby limited to what one pass of the ring can build up.
+// Each channel keeps its last L samples in a ring and the sliding sum of that ring, replaced by
+// the exact sum of the window (avgResum) at every wrap of the ring (internal/moving_average.h);
+// the work per sample does not depend on L. All channels share one ring index.
 //
 // The first call after initialisation or QZAVGF_OnEmpty fills the whole window with its input
 // (its sum formed by repeated addition, as the sliding updates would have formed it), so the
 // output starts at the input instead of ramping up from zero.
 #include "QZFLT.h"
 
+#include "internal/capacity.h"
+#include "internal/moving_average.h"
+
 namespace qz::detail {
 
 namespace {
-
-constexpr int32_t kMaxChannels = 8;
-constexpr int32_t kMaxWindow = 100;
 
 void Prime(QZAVGFState *s, const double *x, double *avg, double *dAvg) {
     const int32_t len = s->avgLen;
     for (int32_t ch = 0; ch < s->chNum; ++ch) {
         const double xi = x[ch];
-        double *ring = s->ringBuf[ch];
-        s->avgSum[ch] = 0.0;
-        s->avgResum[ch] = 0.0;
-        for (int32_t k = 0; k < len; ++k) {
-            ring[k] = xi;
-            s->avgSum[ch] += xi;
-        }
+        FillRing(s->ringBuf[ch], len, xi);
+        s->avgSum[ch] = RingSum(s->ringBuf[ch], len);
         s->avgResum[ch] = s->avgSum[ch];
         avg[ch] = xi;
         dAvg[ch] = 0.0;
@@ -45,23 +36,17 @@ void Filter(QZAVGFState *s, const double *x, double *avg, double *dAvg) {
     const int32_t len = s->avgLen;
     for (int32_t ch = 0; ch < s->chNum; ++ch) {
         const double xi = x[ch];
-        if (i == 0) {
-            s->avgSum[ch] = s->avgResum[ch];
-            s->avgResum[ch] = 0.0;
-        }
-        s->avgResum[ch] += xi;
-        s->avgSum[ch] = (s->avgSum[ch] - s->ringBuf[ch][i]) + xi;
-        s->ringBuf[ch][i] = xi;
+        SlideResumOnWrap(&s->avgSum[ch], &s->avgResum[ch], s->ringBuf[ch], i, xi);
         const double a = s->avgSum[ch] / len;
         avg[ch] = a;
         dAvg[ch] = (a - s->prevAvg[ch]) / s->dt;
         s->prevAvg[ch] = a;
     }
-    s->ringIdx = (i + 1 >= len) ? 0 : i + 1;
+    s->ringIdx = NextSlot(i, len);
 }
 
-int32_t AvgfInit(QZAVGFState *s, int32_t chNum, int32_t avgLen, double dt) {
-    if (chNum < 1 || chNum > kMaxChannels || avgLen < 1 || avgLen > kMaxWindow) return 0;
+int32_t AveragingFilterInit(QZAVGFState *s, int32_t chNum, int32_t avgLen, double dt) {
+    if (chNum < 1 || chNum > kMaxChannels || avgLen < 1 || avgLen > kRingSlots) return 0;
     s->dt = dt;
     s->chNum = chNum;
     s->avgLen = avgLen;
@@ -76,14 +61,14 @@ int32_t AvgfInit(QZAVGFState *s, int32_t chNum, int32_t avgLen, double dt) {
     return 1;
 }
 
-int32_t AvgfEmpty(QZAVGFState *s) {
+int32_t AveragingFilterEmpty(QZAVGFState *s) {
     if (s->isInit == 0) return 0;
     for (int32_t ch = 0; ch < kMaxChannels; ++ch) s->prevAvg[ch] = 0.0;
     s->resetPending = 1;
     return 1;
 }
 
-int32_t AvgfFilt(QZAVGFState *s, const double *x, double *avg, double *dAvg) {
+int32_t AveragingFilterStep(QZAVGFState *s, const double *x, double *avg, double *dAvg) {
     if (s->isInit == 0) return 0;
     if (s->resetPending == 1) {
         Prime(s, x, avg, dAvg);
@@ -101,11 +86,11 @@ using namespace qz::detail;
 extern "C" {
 
 QZ_API int32_t QZAVGF_OnInit(QZAVGFState *s, int32_t chNum, int32_t avgLen, double dt) {
-    return AvgfInit(s, chNum, avgLen, dt);
+    return AveragingFilterInit(s, chNum, avgLen, dt);
 }
-QZ_API int32_t QZAVGF_OnEmpty(QZAVGFState *s) { return AvgfEmpty(s); }
+QZ_API int32_t QZAVGF_OnEmpty(QZAVGFState *s) { return AveragingFilterEmpty(s); }
 QZ_API int32_t QZAVGF_OnFilt(QZAVGFState *s, const double *x, double *avg, double *dAvg) {
-    return AvgfFilt(s, x, avg, dAvg);
+    return AveragingFilterStep(s, x, avg, dAvg);
 }
 
 }  // extern "C"

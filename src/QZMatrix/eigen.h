@@ -14,7 +14,7 @@
 // Termination: each rotation removes 2*A[p][q]^2 > 2*f^2 from the off-diagonal sum of squares,
 // so a pass ends; the threshold reaches zero after finitely many divisions, so the passes end.
 // The rotation count is capped all the same, so that a call has a fixed worst case whatever
-// rounding does (see kEigMaxRotations).
+// rounding does (see EigMaxRotations).
 #ifndef QZ_MATRIX_EIGEN_H
 #define QZ_MATRIX_EIGEN_H
 

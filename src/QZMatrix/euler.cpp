@@ -23,7 +23,6 @@
 namespace qz::detail {
 namespace {
 
-constexpr double kRadToDeg = 57.29577951308232;
 // Half a degree in radians: below this b the ZYZ decomposition is treated as singular.
 constexpr double kZyzSingular = 0.008726646259971648;
 // Below this cos B the XYZ decomposition is treated as singular.
@@ -48,18 +47,6 @@ void XyzBlock(double sA, double cA, double sB, double cB, double sC, double cC, 
     r[2 * Stride + 0] = -sB;
     r[2 * Stride + 1] = cB * sA;
     r[2 * Stride + 2] = cB * cA;
-}
-
-inline void SinCosArc(double a, double *s, double *c) {
-    *s = SinArc(a);
-    *c = SinArc(kHalfPi - a);
-}
-
-// Degrees are turned into radians once, then the sine and cosine taken of that value.
-inline void SinCosDeg(double d, double *s, double *c) {
-    const double r = kDegToRad * d;
-    *s = SinArc(r);
-    *c = SinArc(kHalfPi - r);
 }
 
 // XYZ rotation of the angle triple abc (radians, or degrees when Deg) into the 3x3 block.

@@ -4,9 +4,12 @@
 // X^T B X = I.
 //
 // The 6-by-6 solver hands its pairs out in a fixed permutation of the Jacobi order, with three of
-// the vectors negated; the 7-by-7 solver hands them out as the Jacobi method leaves them. The
-// 7-by-7 solver keeps the factor, its inverse and the inverse's transpose in static storage, so
-// its calls must never overlap.
+// the vectors negated; the 7-by-7 solver hands them out as the Jacobi method leaves them.
+//
+// Both keep all their work arrays on the stack and are reentrant. No element of a work array is
+// read before the call has written it: the factorization writes every element of the factor and
+// reads only columns it has finished, the inverse reads its input into a local copy and writes
+// all of its output or nothing, and a failure returns before anything reaches V or lambda.
 #include "QZMatrix.h"
 #include "QZMatrix/cholesky.h"
 #include "QZMatrix/eigen.h"
@@ -15,11 +18,6 @@
 
 namespace qz::detail {
 namespace {
-
-// Shared by every call of the 7-by-7 solver.
-double G[49];
-double GInv[49];
-double GInvT[49];
 
 std::uint8_t GeneralizedEig6(double eps, const double *A, const double *B, double *V,
                              double *lambda) {
@@ -54,7 +52,7 @@ std::uint8_t GeneralizedEig6(double eps, const double *A, const double *B, doubl
 
 std::uint8_t GeneralizedEig7(double eps, const double *A, const double *B, double *V,
                              double *lambda) {
-    double T[49], K[49], W[49];
+    double G[49], GInv[49], GInvT[49], T[49], K[49], W[49];
     if (CholeskyStrided<7>(B, G, 7) != 0) return 0;
     if (!MatrixInv<7>(G, GInv)) return 0;
     MatrixTranspose<7>(GInv, GInvT);

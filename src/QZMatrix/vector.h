@@ -17,8 +17,6 @@
 
 namespace qz::detail {
 
-// Degree per radian for the angle between two vectors.
-constexpr double kRadToDeg = 57.29577951308232;
 // Below this length VectNormalized gives the zero vector instead of a direction.
 constexpr double kNormalizedMinLength = 1e-6;
 // Two points whose squared distance is below this are taken as one point.

@@ -12,15 +12,13 @@ constexpr double kInverseFloor = 1e-9;
 // Keeps the arc cosine off its flat end, where a dot product rounded to 1 would read as exactly
 // no rotation; two equal orientations therefore come out a hair above zero.
 constexpr double kAngleCosClamp = 0.9999999999;
-constexpr double kDegPerRad = 57.29577951308232;
 
 // Rotation angle between two unit quaternions, in degrees. The absolute value of their dot
 // product makes q and -q the same orientation and picks the shorter of the two rotations.
 double AngleDeg(const double *q1, const double *q2) {
-    const double d = q1[0] * q2[0] + q1[1] * q2[1] + q1[2] * q2[2] + q1[3] * q2[3];
-    double m = Fabs(d);
+    double m = Fabs(QuatDot(q1, q2));
     if (m > kAngleCosClamp) m = kAngleCosClamp;
-    return 2.0 * (ACos(m) * kDegPerRad);
+    return 2.0 * (ACos(m) * kRadToDeg);
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ void AxisAngleToRotmat(const double *r, double *R) {
     double k[3];
     VectScale(r, 3, 1.0 / theta, k);
     const double s = SinArc(theta);
-    const double c = SinArc(kHalfPi - theta);
+    const double c = CosArc(theta);
     const double v = 1.0 - c;
     const double kx = k[0], ky = k[1], kz = k[2];
     R[0] = kx * kx * v + c;

@@ -72,11 +72,11 @@ QZ_API void QZ_PosQuat2Matrix(const double *pose, double *m) { PoseToTransform(p
 
 QZ_API uint32_t QZ_XYZABC2XYZQ(double *buf) {
     const double c = kDegToRad * buf[5];
-    const double sC = SinArc(c), cC = SinArc(kHalfPi - c);
+    const double sC = SinArc(c), cC = CosArc(c);
     const double b = kDegToRad * buf[4];
-    const double sB = SinArc(b), cB = SinArc(kHalfPi - b);
+    const double sB = SinArc(b), cB = CosArc(b);
     const double a = kDegToRad * buf[3];
-    const double sA = SinArc(a), cA = SinArc(kHalfPi - a);
+    const double sA = SinArc(a), cA = CosArc(a);
     const double r[9] = {
         cC * cB, cC * sB * sA - sC * cA, cC * sB * cA + sC * sA,
         sC * cB, sC * sB * sA + cC * cA, sC * sB * cA - cC * sA,

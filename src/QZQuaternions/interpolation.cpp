@@ -11,15 +11,12 @@
 
 #include "QZBaseMath/scalar_inline.h"
 #include "QZMatrix/vector.h"
+#include "QZQuaternions/quaternion.h"
 
 namespace qz::detail {
 namespace {
 
 constexpr double kSlerpLinearBand = 0.001;
-
-inline double Dot4(const double *a, const double *b) {
-    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2] + a[3] * b[3];
-}
 
 inline void Negate4(double *q) {
     q[0] = -q[0];
@@ -93,7 +90,7 @@ using namespace qz::detail;
 extern "C" {
 
 QZ_API void QZ_QuatSlerp(const double *q1, double *q2, double t, double *out) {
-    double d = Dot4(q1, q2);
+    double d = QuatDot(q1, q2);
     if (d < 0.0) {
         Negate4(q2);
         d = -d;
@@ -102,7 +99,7 @@ QZ_API void QZ_QuatSlerp(const double *q1, double *q2, double t, double *out) {
 }
 
 QZ_API void QZ_QuatSlerpL(const double *q1, const double *q2, double t, double *out) {
-    double d = Dot4(q1, q2);
+    double d = QuatDot(q1, q2);
     double neg[4];
     const double *b = q2;
     if (d > 0.0) {
@@ -119,7 +116,7 @@ QZ_API void QZ_QuatSlerpL(const double *q1, const double *q2, double t, double *
 QZ_API void QZ_QuatSlerpFactor(const double *q1, double *q2, double t, double *out,
                                QZSlerpFactorState *state) {
     if (state->initialized == 0) {
-        double d = Dot4(q1, q2);
+        double d = QuatDot(q1, q2);
         if (d < 0.0) {
             Negate4(q2);
             d = -d;
@@ -132,7 +129,7 @@ QZ_API void QZ_QuatSlerpFactor(const double *q1, double *q2, double t, double *o
 QZ_API void QZ_QuatSlerpFactorL(const double *q1, double *q2, double t, double *out,
                                 QZSlerpFactorState *state) {
     if (state->initialized == 0) {
-        double d = Dot4(q1, q2);
+        double d = QuatDot(q1, q2);
         if (d > 0.0) {
             Negate4(q2);
             d = -d;

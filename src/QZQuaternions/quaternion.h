@@ -1,7 +1,7 @@
-// Internal quaternion kernels shared by the quaternion module: normalisation, and the two
-// directions between a quaternion and the rotation block of a matrix. The rotation block is
-// addressed through a row stride so that one kernel serves 3x3 matrices (stride 3) and the
-// rotation of a homogeneous transform (stride 4).
+// Internal quaternion kernels shared by the quaternion module: dot product, length and
+// normalisation, and the two directions between a quaternion and the rotation block of a matrix.
+// The rotation block is addressed through a row stride so that one kernel serves 3x3 matrices
+// (stride 3) and the rotation of a homogeneous transform (stride 4).
 //
 // Quaternions are (x, y, z, w) with the scalar last.
 #ifndef QZ_QUATERNIONS_QUATERNION_H
@@ -13,10 +13,14 @@
 
 namespace qz::detail {
 
-// Euclidean length, the squares summed x, y, z, w in that order.
-inline double QuatLength(const double *q) {
-    return Sqrt(q[0] * q[0] + q[1] * q[1] + q[2] * q[2] + q[3] * q[3]);
+// Dot product of two quaternions as four-vectors, the products summed x, y, z, w in that order:
+// the cosine of half the rotation between two unit quaternions.
+inline double QuatDot(const double *a, const double *b) {
+    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2] + a[3] * b[3];
 }
+
+// Euclidean length: the square root of the quaternion's dot product with itself.
+inline double QuatLength(const double *q) { return Sqrt(QuatDot(q, q)); }
 
 // Divides q by its length in place. A length at or below 1e-16 is too short to give a direction:
 // q is left as it was and 0 returned. A NaN length fails the test and spreads into q.
