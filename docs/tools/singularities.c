@@ -142,5 +142,21 @@ int main(void) {
                reach - shoulder_wrist(q), rmm, rmm ? largest(pmm, 42) : 0.0, rm, rm ? largest(pm, 42) : 0.0, s,
                gram_det(g), damped_largest(jmm, s, eps, lambdaMax));
     }
+
+    /* How often the call fails at all: 1000 angles spread over the last 1e-5 degrees. */
+    for (int range = 0; range < 3; ++range) {
+        const double span = range == 0 ? 1e-5 : range == 1 ? 1e-6 : 1e-7;
+        int failMm = 0, failM = 0;
+        for (int k = 1; k <= 1000; ++k) {
+            double j[42], t[16], p[42];
+            q[3] = stretch - span * DEG * k / 1000.0;
+            arm7_jacobian(q, 1.0, j, t);
+            failMm += !QZ_RightPsoInv67(j, p);
+            arm7_jacobian(q, 0.001, j, t);
+            failM += !QZ_RightPsoInv67(j, p);
+        }
+        printf("d in (0, %.0e] deg, 1000 angles: QZ_RightPsoInv67 returns 0 for %d in mm, %d in m\n", span, failMm,
+               failM);
+    }
     return 0;
 }

@@ -52,13 +52,14 @@ static double measure_lag(int kind, double v, double acc, double jerk, double cy
 
 /* A path that accelerates at pathAcc to speed v, cruises, and stops at `dist`, fed to one N-axis
  * axis (A acc, span avgLen from jerk) every cycle as an absolute target, with or without the
- * lead v * lag(v) taken from the path's own speed. Returns the largest |output - path|. */
+ * lead to where the path will be one lag L ahead, p + v L + a L^2 / 2, L taken at the path's own
+ * speed v (a: the path's acceleration). Returns the largest |output - path|. */
 static double follow_path(double v, double pathAcc, double dist, double acc, double jerk, int lead,
                           double *settle) {
     static QZNSyncDTSState n;
     memset(&n, 0, sizeof n);
     const double vel = 10.0, cycleMs = 1.0, dt = 0.001;
-    double jl = jerk, out, worst = 0.0, p = 0.0, pv = 0.0;
+    double jl = jerk, out, worst = 0.0, p = 0.0, pv = 0.0, pa = 0.0;
     QZNSyncDTS_OnInit(&n, 1, cycleMs, &vel, &acc, &jl);
     const int span = n.avgLen[0];
     *settle = -1.0;
@@ -66,11 +67,12 @@ static double follow_path(double v, double pathAcc, double dist, double acc, dou
         /* Path position p and speed pv at this cycle: trapezoid in speed. */
         const double tAcc = v / pathAcc, dAcc = 0.5 * v * tAcc, t = (double)k * dt;
         const double tCruise = (dist - 2.0 * dAcc) / v, tEnd = 2.0 * tAcc + tCruise;
-        if (t < tAcc) { p = 0.5 * pathAcc * t * t; pv = pathAcc * t; }
-        else if (t < tAcc + tCruise) { p = dAcc + v * (t - tAcc); pv = v; }
-        else if (t < tEnd) { const double r = tEnd - t; p = dist - 0.5 * pathAcc * r * r; pv = pathAcc * r; }
-        else { p = dist; pv = 0.0; }
-        double target = p + (lead ? pv * lag_formula(pv, acc, dt, span) : 0.0);
+        if (t < tAcc) { p = 0.5 * pathAcc * t * t; pv = pathAcc * t; pa = pathAcc; }
+        else if (t < tAcc + tCruise) { p = dAcc + v * (t - tAcc); pv = v; pa = 0.0; }
+        else if (t < tEnd) { const double r = tEnd - t; p = dist - 0.5 * pathAcc * r * r; pv = pathAcc * r; pa = -pathAcc; }
+        else { p = dist; pv = 0.0; pa = 0.0; }
+        const double lag = lag_formula(pv, acc, dt, span);
+        double target = lead ? p + pv * lag + 0.5 * pa * lag * lag : p;
         QZNSyncDTS_OnDT(&n, &target, &out);
         const double e = fabs(out - p);
         if (t <= tEnd && e > worst) worst = e;
