@@ -137,5 +137,31 @@ int main(void) {
     QZ_MVmult43(t, twf, back);
     printf("QZ_JACOB_TRAN_T67(J, R^T): flange-axes linear velocity turned back by R matches within %.1e mm/s\n",
            fmax(fmax(fabs(back[0] - tw[0]), fabs(back[1] - tw[1])), fabs(back[2] - tw[2])));
+
+    /* A tool point 150 mm beyond the flange along the flange's z axis: J_lin - skew(r) J_ang with r
+     * the offset in base axes, against central differences of that point. */
+    const double off[3] = {0.0, 0.0, 150.0};
+    double r3[3], sk[9], worstTool = 0.0;
+    QZ_MVmult43(t, off, r3);
+    QZ_Skew(r3, sk);
+    for (int c = 0; c < 7; ++c) {
+        const double h = 1e-6;
+        double qp[7], qn[7], tp[16], tn[16], pp[3], pn[3], ang[3], cross[3];
+        for (int i = 0; i < 7; ++i) qp[i] = qn[i] = q[i];
+        qp[c] += h;
+        qn[c] -= h;
+        arm7_fk(qp, 1.0, tp);
+        arm7_fk(qn, 1.0, tn);
+        QZ_MVmult43(tp, off, pp);
+        QZ_MVmult43(tn, off, pn);
+        for (int i = 0; i < 3; ++i) ang[i] = j[7 * (i + 3) + c];
+        QZ_MatrixMultVect3(sk, ang, cross);
+        for (int i = 0; i < 3; ++i) {
+            const double fd = ((tp[4 * i + 3] + pp[i]) - (tn[4 * i + 3] + pn[i])) / (2 * h);
+            worstTool = fmax(worstTool, fabs(fd - (j[7 * i + c] - cross[i])));
+        }
+    }
+    printf("tool point 150 mm along the flange z: J_lin - skew(r) J_ang matches central differences within"
+           " %.1e mm/rad\n", worstTool);
     return 0;
 }

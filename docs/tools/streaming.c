@@ -85,7 +85,7 @@ int main(int argc, char **argv) {
     const double speeds[] = {0.05, 0.075, 0.1, 0.3, 0.5, 1.0, 2.0};
     printf("lag behind a ramp [ms], A = 7.5 units/s^2 (jerk 3750: span 3 at 1 ms; 375: span 20)\n");
     printf("  speed | single 1 ms  formula | single 4 ms  formula | N-axis span 3  span 20  formula(20)"
-           " | multi-stage mode 1  mode 0 (span 20)\n");
+           " | multi-stage mode 1  mode 0 (jerk clamped to 1000: span 7)\n");
     for (unsigned i = 0; i < sizeof speeds / sizeof speeds[0]; ++i) {
         const double v = speeds[i];
         printf("  %5.3f | %11.2f %8.2f | %11.2f %8.2f | %13.2f %8.2f %12.2f | %18.2f %7.2f\n", v,
