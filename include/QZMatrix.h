@@ -328,8 +328,10 @@ QZ_API uint8_t generalized_eig7(double eps, const double *A, const double *B, do
 
 /* ---- Elementary rotations and Euler angles ---------------------------------------------- */
 
-/* XYZ (ABC) convention: R = Rz(C) * Ry(B) * Rx(A); extracted A, C in (-pi, pi], B in [-pi/2, pi/2].
- * ZYZ convention: R = Rz(a) * Ry(b) * Rz(c); extracted a, c in (-pi, pi], b in [0, pi].
+/* XYZ (ABC) convention: R = Rz(C) * Ry(B) * Rx(A); extracted A, C in [-pi, pi], B in [-pi/2, pi/2].
+ * ZYZ convention: R = Rz(a) * Ry(b) * Rz(c); extracted a, c in [-pi, pi], b in [0, pi].
+ * The angles come from atan2, so a half turn reads -pi where its sine term is -0.0 (XYZ of
+ * (0, 120, 0) degrees gives (-180, 60, -180)).
  * Rotation matrices are 3x3 (9), transforms 4x4 (16), row-major; XYZABC poses hold x, y, z, A, B,
  * C (the _ZYZ functions put a, b, c into A, B, C). No output may overlap an input. */
 
@@ -342,7 +344,10 @@ QZ_API void QZ_RotZARC(double angle, double *r);
 /* Rotation matrix r (9) of the ZYZ angles a, b, c (radians). */
 QZ_API void QZ_ZYZ2Matrix(double a, double b, double c, double *r);
 /* ZYZ angles (a, b, c) in radians of rotation r (9) into abc (3). Returns 1; returns 0 when
- * |b| < 0.5 degree, with a = 0, c = atan2(-r01, r00) (the whole z turn) and b written. */
+ * |b| < 0.5 degree, with a = 0, c = atan2(-r01, r00) (the whole z turn) and b written.
+ * b near pi is singular too (only a - c is defined) but NOT flagged: it returns 1 with a and c
+ * split by rounding, and for an exact half turn about y ({-1,0,0, 0,1,0, 0,0,-1}) with angles
+ * (0, pi, pi) whose matrix is not r. Test b > pi - 0.5 degree yourself. */
 QZ_API uint32_t QZ_Matrix2ZYZ(const double *r, double *abc);
 /* As QZ_Matrix2ZYZ for the rotation block of transform t (16). */
 QZ_API uint32_t QZ_Matrix42ZYZ(const double *t, double *abc);
@@ -401,6 +406,10 @@ QZ_API void QZ_VectAddMV(const double *v, double *const *m, int32_t n, int32_t c
 
 
 /* ---- Jacobian frame transforms ---------------------------------------------------------- */
+
+/* A Jacobian is 6 rows by one column per joint, row-major: two stacked 3-vectors, by convention
+ * the linear velocity of a reference point (rows 0-2) over the angular velocity (rows 3-5), both
+ * in one frame's axes. diag(R, R) turns the axes of both and keeps the reference point. */
 
 /* out = diag(R, R) * J for a 6x6 Jacobian J (36) and rotation R (9); out may be J. */
 QZ_API void QZ_JACOB_TRAN_T66(const double *J, const double *R, double *out);

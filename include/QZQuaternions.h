@@ -37,7 +37,9 @@ QZ_API void QZ_QuaternionConjugate(const double *q, double *out);
 QZ_API uint32_t QZ_QuaternionInverse(const double *q, double *out);
 /* Angle in degrees of the shorter rotation between unit quaternions q1 and q2 (q and -q are the
  * same orientation), in [0.0016205694361395497, 180]: |q1 . q2| is clamped to 0.9999999999, so
- * equal orientations give the minimum, not 0. Inputs are not normalised. */
+ * equal orientations give the minimum, not 0, and every angle below 2.83e-5 rad reads as that
+ * minimum: not a fine convergence test (the vector part of q1 (x) q2^-1 resolves ~1e-16 rad).
+ * Inputs are not normalised. */
 QZ_API double QZ_QuaternionAngleDeg(const double *q1, const double *q2);
 /* QZ_QuaternionAngleDeg converted to radians (minimum 2.8284272417823128e-05). */
 QZ_API double QZ_QuaternionAngleArc(const double *q1, const double *q2);

@@ -1,0 +1,63 @@
+// The seven-joint arm of examples/arm7.h (example 09 and the guides' measurements): its forward
+// kinematics and geometric Jacobian, built from QZ_DH2Matrix, against KDL's chain solvers.
+#include <kdl/chain.hpp>
+#include <kdl/chainfksolverpos_recursive.hpp>
+#include <kdl/chainjnttojacsolver.hpp>
+
+#include "../examples/arm7.h"
+#include "test_util.h"
+
+using namespace qztest;
+
+namespace {
+
+// KDL puts a segment's joint before its fixed frame, so each modified DH link RotX(alpha)
+// TransX(a) RotZ(theta) TransZ(d) is split: TransZ(d) of link i and RotX TransX of link i + 1
+// follow joint i.
+KDL::Chain Arm7Chain(double scale) {
+    KDL::Chain chain;
+    const Arm7Link &first = kArm7Links[0];
+    chain.addSegment(KDL::Segment(KDL::Joint(KDL::Joint::None),
+                                  KDL::Frame::DH_Craig1989(scale * first.a, first.alpha, 0.0, 0.0)));
+    for (int i = 0; i < ARM7_JOINTS; ++i) {
+        const bool last = i + 1 == ARM7_JOINTS;
+        const Arm7Link &next = last ? kArm7Flange : kArm7Links[i + 1];
+        const KDL::Frame tip = KDL::Frame(KDL::Vector(0.0, 0.0, scale * kArm7Links[i].d)) *
+                               KDL::Frame::DH_Craig1989(scale * next.a, next.alpha, 0.0, 0.0) *
+                               KDL::Frame(KDL::Vector(0.0, 0.0, last ? scale * next.d : 0.0));
+        chain.addSegment(KDL::Segment(KDL::Joint(KDL::Joint::RotZ), tip));
+    }
+    return chain;
+}
+
+}  // namespace
+
+// KDL's Jacobian has the same layout: linear velocity of the tip (the flange origin) over angular
+// velocity, in base axes. Lengths in millimetres and in metres.
+TEST(ExampleArm7, ForwardKinematicsAndJacobianMatchKdl) {
+    auto rng = Rng();
+    for (const double scale : {1.0, 0.001}) {
+        const KDL::Chain chain = Arm7Chain(scale);
+        KDL::ChainFkSolverPos_recursive fk(chain);
+        KDL::ChainJntToJacSolver jac(chain);
+        for (int n = 0; n < 300; ++n) {
+            KDL::JntArray qk(ARM7_JOINTS);
+            KDL::Frame f;
+            KDL::Jacobian jk(ARM7_JOINTS);
+            double q[ARM7_JOINTS], j[42], t[16], tf[16];
+            for (int i = 0; i < ARM7_JOINTS; ++i) qk(i) = q[i] = Uniform(rng, -3.1, 3.1);
+            arm7_jacobian(q, scale, j, t);
+            arm7_fk(q, scale, tf);
+            ASSERT_EQ(fk.JntToCart(qk, f), 0);
+            ASSERT_EQ(jac.JntToJac(qk, jk), 0);
+            for (int r = 0; r < 3; ++r) {
+                EXPECT_EQ(std::memcmp(t, tf, sizeof t), 0);
+                EXPECT_NEAR(t[4 * r + 3], f.p(r), 1e-12 * scale * 1000) << n;
+                for (int c = 0; c < 3; ++c) EXPECT_NEAR(t[4 * r + c], f.M(r, c), 1e-14) << n;
+            }
+            for (int r = 0; r < 6; ++r)
+                for (int c = 0; c < ARM7_JOINTS; ++c)
+                    EXPECT_NEAR(j[7 * r + c], jk(r, c), r < 3 ? 1e-12 * scale * 1000 : 1e-14) << n << " " << r;
+        }
+    }
+}
