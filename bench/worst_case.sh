@@ -11,11 +11,11 @@ out="$(mktemp -d)"
 trap 'rm -rf "$out"' EXIT
 
 echo "== time per call (TSC ticks)"
-"$exe" --calls "$calls"
+LD_BIND_NOW=1 "$exe" --calls "$calls"
 
 echo
 echo "== instructions per call (callgrind; sampled calls and every call with an adversarial input)"
-valgrind --tool=callgrind --collect-atstart=no --combine-dumps=yes --dump-line=no \
+LD_BIND_NOW=1 valgrind --tool=callgrind --collect-atstart=no --combine-dumps=yes --dump-line=no \
   --callgrind-out-file="$out/cg" "$exe" --count --calls "$count_calls" 2>"$out/valgrind.log" ||
   { cat "$out/valgrind.log"; exit 1; }
 python3 - "$out/cg" <<'PY'
@@ -26,7 +26,7 @@ label = None
 with open(sys.argv[1]) as f:
     for line in f:
         if line.startswith("desc: Trigger: Client Request: "):
-            label = line.split(": ", 2)[2].strip()
+            label = line.split("Client Request: ", 1)[1].strip()
         elif line.startswith("summary: ") and label:
             name, k, kind = label.rsplit("|", 2)
             n = int(line.split()[1])
