@@ -385,7 +385,14 @@ __attribute__((noinline)) void Nothing() { asm volatile(""); }
 struct Stats {
     double median, p999, max;
     Event maxEvent;
+    double subnormalMedian;  // median over the calls with a subnormal input
 };
+
+double Median(std::vector<double> v) {
+    if (v.empty()) return 0.0;
+    std::nth_element(v.begin(), v.begin() + v.size() / 2, v.end());
+    return v[v.size() / 2];
+}
 
 // Ticks of the calls, less the median cost of timing an empty call.
 Stats Time(const Case &c, long calls, double overhead) {
@@ -401,7 +408,10 @@ Stats Time(const Case &c, long calls, double overhead) {
         t[k] = std::max(0.0, static_cast<double>(b - a) - overhead);
     }
     const long worst = std::max_element(t.begin(), t.end()) - t.begin();
-    Stats s{0, 0, t[worst], ev[worst]};
+    std::vector<double> sub;
+    for (long k = 0; k < calls; ++k)
+        if (ev[k] == kSubnormal) sub.push_back(t[k]);
+    Stats s{0, 0, t[worst], ev[worst], Median(sub)};
     std::nth_element(t.begin(), t.begin() + calls / 2, t.end());
     s.median = t[calls / 2];
     const long q = std::min(calls - 1, static_cast<long>(calls * 0.999));
@@ -493,12 +503,13 @@ int main(int argc, char **argv) {
     const double overhead = TimerOverhead();
     std::printf("%ld calls per function, %s, TSC %.3f ticks/ns, timer overhead %.0f ticks subtracted\n",
                 calls, pinned ? "pinned to CPU 0" : "NOT pinned", TicksPerNanosecond(), overhead);
-    std::printf("%-36s %10s %10s %10s  %s\n", "function", "median", "p99.9", "max", "input at max");
+    std::printf("%-36s %8s %8s %10s %10s  %s\n", "function", "median", "p99.9", "max", "subnormal",
+                "input at max");
     for (const Case &c : cases) {
         if (!only.empty() && only != c.name) continue;
         const Stats s = Time(c, calls, overhead);
-        std::printf("%-36s %10.0f %10.0f %10.0f  %s\n", c.name, s.median, s.p999, s.max,
-                    kEventName[s.maxEvent]);
+        std::printf("%-36s %8.0f %8.0f %10.0f %10.0f  %s\n", c.name, s.median, s.p999, s.max,
+                    s.subnormalMedian, kEventName[s.maxEvent]);
     }
     return 0;
 }
