@@ -3,6 +3,7 @@
 #include <qzmath/eigen.hpp>
 #include <qzmath/qzmath.hpp>
 
+#include <type_traits>
 #include <utility>
 
 #include "test_util.h"
@@ -31,60 +32,55 @@ qz::Mat<N, N> Spd() {
 }
 
 // Every element of the value against the C function's output, bit for bit.
-template <class T>
-::testing::AssertionResult Same(const T &value, const double *c) {
+template <class T, class C>
+::testing::AssertionResult Same(const T &value, const C &c) {
     for (std::size_t i = 0; i < value.size(); ++i)
         if (qztest::Bits(value[i]) != qztest::Bits(c[i]))
             return ::testing::AssertionFailure() << "element " << i << ": " << qztest::SameBits(value[i], c[i]).message();
     return ::testing::AssertionSuccess();
 }
+template <class T>
+auto Arg(const T &v) {
+    if constexpr (std::is_arithmetic_v<T>)
+        return v;
+    else
+        return v.data();
+}
+// The output of a C function called with the storage of the given values (scalars as they are).
+template <class F, class... A>
+std::array<double, 64> C(F fn, const A &...args) {
+    std::array<double, 64> out{};
+    fn(Arg(args)..., out.data());
+    return out;
+}
 
 // The size families, one column per family, indexed by size: the test's own table, so that a
 // wrong entry in the header's table shows.
+#define QZ_SIZES(f) {nullptr, nullptr, f##2, f##3, f##4, f##5, f##6, f##7, f##8}
 using Bin = void (*)(const double *, const double *, double *);
-constexpr Bin kMult[] = {nullptr, nullptr, QZ_MatrixMult2, QZ_MatrixMult3, QZ_MatrixMult4,
-                         QZ_MatrixMult5, QZ_MatrixMult6, QZ_MatrixMult7, QZ_MatrixMult8};
-constexpr Bin kMatAdd[] = {nullptr, nullptr, QZ_MatrixAdd2, QZ_MatrixAdd3, QZ_MatrixAdd4,
-                           QZ_MatrixAdd5, QZ_MatrixAdd6, QZ_MatrixAdd7, QZ_MatrixAdd8};
-constexpr Bin kVecAdd[] = {nullptr, nullptr, QZ_VectAdd2, QZ_VectAdd3, QZ_VectAdd4,
-                           QZ_VectAdd5, QZ_VectAdd6, QZ_VectAdd7, QZ_VectAdd8};
-constexpr void (*kTranspose[])(const double *, double *) = {
-    nullptr, nullptr, QZ_MatrixTranspose2, QZ_MatrixTranspose3, QZ_MatrixTranspose4,
-    QZ_MatrixTranspose5, QZ_MatrixTranspose6, QZ_MatrixTranspose7, QZ_MatrixTranspose8};
-constexpr std::uint8_t (*kInv[])(const double *, double *) = {
-    nullptr, nullptr, QZ_MatrixInv2, QZ_MatrixInv3, QZ_MatrixInv4, QZ_MatrixInv5,
-    QZ_MatrixInv6, QZ_MatrixInv7, QZ_MatrixInv8};
-constexpr std::int32_t (*kNorm[])(double *) = {nullptr, nullptr, QZ_VectNorm2, QZ_VectNorm3,
-                                               QZ_VectNorm4, QZ_VectNorm5, QZ_VectNorm6,
-                                               QZ_VectNorm7, QZ_VectNorm8};
-constexpr void (*kSA[])(const double *, double, const double *, double *) = {
-    nullptr, nullptr, QZ_VectSA2, QZ_VectSA3, QZ_VectSA4, QZ_VectSA5, QZ_VectSA6, QZ_VectSA7, QZ_VectSA8};
+constexpr Bin kMult[] = QZ_SIZES(QZ_MatrixMult), kMatAdd[] = QZ_SIZES(QZ_MatrixAdd), kVecAdd[] = QZ_SIZES(QZ_VectAdd);
+constexpr void (*kTranspose[])(const double *, double *) = QZ_SIZES(QZ_MatrixTranspose);
+constexpr std::uint8_t (*kInv[])(const double *, double *) = QZ_SIZES(QZ_MatrixInv);
+constexpr std::int32_t (*kNorm[])(double *) = QZ_SIZES(QZ_VectNorm);
+constexpr void (*kSA[])(const double *, double, const double *, double *) = QZ_SIZES(QZ_VectSA);
 
 template <std::size_t N>
 void SquareSize() {
     SCOPED_TRACE(N);
     const auto a = Random<qz::Mat<N, N>>(), b = Random<qz::Mat<N, N>>();
     const auto u = Random<qz::Vec<N>>(), v = Random<qz::Vec<N>>();
-    double c[N * N];
-    kMult[N](a.data(), b.data(), c);
-    EXPECT_TRUE(Same(qz::mul(a, b), c));
-    kMatAdd[N](a.data(), b.data(), c);
-    EXPECT_TRUE(Same(qz::add(a, b), c));
-    kTranspose[N](a.data(), c);
-    EXPECT_TRUE(Same(qz::transpose(a), c));
-    ASSERT_TRUE(kInv[N](a.data(), c));
-    EXPECT_TRUE(Same(qz::inverse(a).value(), c));
-    kVecAdd[N](u.data(), v.data(), c);
-    EXPECT_TRUE(Same(qz::add(u, v), c));
-    kSA[N](u.data(), 0.3, v.data(), c);
-    EXPECT_TRUE(Same(qz::axpy(u, 0.3, v), c));
-    std::copy(u.begin(), u.end(), c);
-    kNorm[N](c);
-    EXPECT_TRUE(Same(qz::normalize(u).value(), c));
-    double storage[64] = {};
-    for (std::size_t i = 0; i < N; ++i)
-        for (std::size_t j = 0; j < N; ++j) storage[i * 8 + j] = a(i, j);
-    EXPECT_TRUE(qztest::SameBits(qz::det(a), QZ_MatrixDeterminant(storage, N)));
+    EXPECT_TRUE(Same(qz::mul(a, b), C(kMult[N], a, b)));
+    EXPECT_TRUE(Same(qz::add(a, b), C(kMatAdd[N], a, b)));
+    EXPECT_TRUE(Same(qz::transpose(a), C(kTranspose[N], a)));
+    EXPECT_TRUE(Same(qz::inverse(a).value(), C(kInv[N], a)));
+    EXPECT_TRUE(Same(qz::add(u, v), C(kVecAdd[N], u, v)));
+    EXPECT_TRUE(Same(qz::axpy(u, 0.3, v), C(kSA[N], u, 0.3, v)));
+    auto w = u;
+    kNorm[N](w.data());
+    EXPECT_TRUE(Same(qz::normalize(u).value(), w));
+    qz::Mat<8, 8> storage{};
+    for (std::size_t i = 0; i < N * N; ++i) storage(i / N, i % N) = a[i];
+    EXPECT_TRUE(qztest::SameBits(qz::det(a), QZ_MatrixDeterminant(storage.data(), N)));
 }
 
 template <std::size_t... N>
@@ -102,133 +98,90 @@ TEST(CppApi, ShapesAndDecompositionsGiveTheBitsOfTheirCFunctions) {
     const auto v6 = Random<qz::Vec<6>>();
     const auto v7 = Random<qz::Vec<7>>();
     const auto r = qz::rotation(qz::EulerXYZ<qz::Rad>{{0.3, -0.2, 1.1}});
-    double c[64];
-    QZ_MatrixMult6777(j67.data(), m7.data(), c);
-    EXPECT_TRUE(Same(qz::mul(j67, m7), c));
-    QZ_MatrixMult6776(j67.data(), j76.data(), c);
-    EXPECT_TRUE(Same(qz::mul(j67, j76), c));
-    QZ_Matrix67MultVect7(j67.data(), v7.data(), c);
-    EXPECT_TRUE(Same(qz::mul(j67, v7), c));
-    QZ_Matrix76MultVect6(j76.data(), v6.data(), c);
-    EXPECT_TRUE(Same(qz::mul(j76, v6), c));
-    QZ_MatrixMultVect6(m6.data(), v6.data(), c);
-    EXPECT_TRUE(Same(qz::mul(m6, v6), c));
-    QZ_VMmult1777(v7.data(), m7.data(), c);
-    EXPECT_TRUE(Same(qz::mul(v7, m7), c));
-    QZ_Mat67Transpose(j67.data(), c);
-    EXPECT_TRUE(Same(j76, c));
-    QZ_RightPsoInv67(j67.data(), c);
-    EXPECT_TRUE(Same(qz::pinv(j67).value(), c));
-    QZ_LeftPsoInv76(j76.data(), c);
-    EXPECT_TRUE(Same(qz::pinv(j76).value(), c));
-    QZ_JACOB_TRAN_T67(j67.data(), r.data(), c);
-    EXPECT_TRUE(Same(qz::jacobian_rotate(j67, r), c));
-    QZ_JACOB_TRAN_T66(m6.data(), r.data(), c);
-    EXPECT_TRUE(Same(qz::jacobian_rotate(m6, r), c));
-    QZ_MmultDiagM66(m6.data(), v6.data(), c);
-    EXPECT_TRUE(Same(qz::mul_diag(m6, v6), c));
-    QZ_MatrixSub67(j67.data(), j67.data(), c);
-    EXPECT_TRUE(Same(qz::sub(j67, j67), c));
+    EXPECT_TRUE(Same(qz::mul(j67, m7), C(QZ_MatrixMult6777, j67, m7)));
+    EXPECT_TRUE(Same(qz::mul(j67, j76), C(QZ_MatrixMult6776, j67, j76)));
+    EXPECT_TRUE(Same(qz::mul(j67, v7), C(QZ_Matrix67MultVect7, j67, v7)));
+    EXPECT_TRUE(Same(qz::mul(j76, v6), C(QZ_Matrix76MultVect6, j76, v6)));
+    EXPECT_TRUE(Same(qz::mul(m6, v6), C(QZ_MatrixMultVect6, m6, v6)));
+    EXPECT_TRUE(Same(qz::mul(v7, m7), C(QZ_VMmult1777, v7, m7)));
+    EXPECT_TRUE(Same(j76, C(QZ_Mat67Transpose, j67)));
+    EXPECT_TRUE(Same(qz::pinv(j67).value(), C(QZ_RightPsoInv67, j67)));
+    EXPECT_TRUE(Same(qz::pinv(j76).value(), C(QZ_LeftPsoInv76, j76)));
+    EXPECT_TRUE(Same(qz::jacobian_rotate(j67, r), C(QZ_JACOB_TRAN_T67, j67, r)));
+    EXPECT_TRUE(Same(qz::jacobian_rotate(m6, r), C(QZ_JACOB_TRAN_T66, m6, r)));
+    EXPECT_TRUE(Same(qz::mul_diag(m6, v6), C(QZ_MmultDiagM66, m6, v6)));
+    EXPECT_TRUE(Same(qz::sub(j67, qz::mul(j67, m7)), C(QZ_MatrixSub67, j67, qz::mul(j67, m7))));
 
     // LUP, and what its factors give.
-    auto lu = m7;
-    double *rows[7];
-    for (int i = 0; i < 7; ++i) rows[i] = lu.data() + 7 * i;
+    auto lu = m7, inv = m7;
+    double *rows[7], *invRows[7];
+    for (int i = 0; i < 7; ++i) rows[i] = lu.data() + 7 * i, invRows[i] = inv.data() + 7 * i;
     std::int32_t perm[8];
     ASSERT_EQ(QZ_MatLUPD(rows, 7, 7, perm), 0);
     const auto f = qz::lup(m7);
-    EXPECT_TRUE(Same(f->lu, lu.data()));
-    EXPECT_TRUE(std::equal(perm, perm + 8, f->perm.begin()));
-    QZ_LUPSolveEq(rows, 7, perm, v7.data(), c);
-    EXPECT_TRUE(Same(qz::solve(*f, v7), c));
+    EXPECT_TRUE(Same(f->lu, lu) && std::equal(perm, perm + 8, f->perm.begin()));
+    EXPECT_TRUE(Same(qz::solve(*f, v7), C([&](const double *b, double *x) { QZ_LUPSolveEq(rows, 7, perm, b, x); }, v7)));
     EXPECT_TRUE(qztest::SameBits(qz::det(*f), QZ_MatLUPDet(rows, 7, perm)));
-    double inv[49], *invRows[7];
-    for (int i = 0; i < 7; ++i) invRows[i] = inv + 7 * i;
     QZ_MatLUPInv(rows, 7, perm, invRows);
     EXPECT_TRUE(Same(qz::inverse(*f), inv));
 
-    // Cholesky in its two storages, VMV, eig and the generalized problem.
+    // Cholesky in its two storages (the 3x3 in 6x6 storage), VMV, eig and the generalized problem.
     const auto s3 = Spd<3>();
     const auto s6 = Spd<6>();
-    const auto s7 = Spd<7>();
-    double in6[36] = {}, l6[36] = {};
-    for (int i = 0; i < 3; ++i)
-        for (int j = 0; j < 3; ++j) in6[6 * i + j] = s3(i, j);
-    ASSERT_EQ(Cholesky(in6, l6, 3), 0);
+    const auto s7 = Spd<7>(), b7 = Spd<7>();
+    qz::Mat6 in6{}, l6{};
+    for (int i = 0; i < 9; ++i) in6[6 * (i / 3) + i % 3] = s3[i];
+    ASSERT_EQ(Cholesky(in6.data(), l6.data(), 3), 0);
     const auto l3 = qz::cholesky(s3).value();
-    for (int i = 0; i < 3; ++i) EXPECT_TRUE(Same(qz::Vec<3>{{l3(i, 0), l3(i, 1), l3(i, 2)}}, l6 + 6 * i));
-    ASSERT_EQ(Cholesky7(s7.data(), c, 7), 0);
-    EXPECT_TRUE(Same(qz::cholesky(s7).value(), c));
+    for (int i = 0; i < 9; ++i) EXPECT_TRUE(qztest::SameBits(l3[i], l6[6 * (i / 3) + i % 3]));
+    EXPECT_TRUE(Same(qz::cholesky(s7).value(), C([](const double *a, double *l) { Cholesky7(a, l, 7); }, s7)));
     EXPECT_TRUE(qztest::SameBits(qz::vmv(v7, s7), VMV(v7.data(), s7.data(), 7)));
     auto a = s6;
-    double vectors[36], values[7];
-    ASSERT_TRUE(eig(6, a.data(), vectors, 1e-12));
+    const auto vectors = C([&](double *v) { ASSERT_TRUE(eig(6, a.data(), v, 1e-12)); });
     const auto e = qz::eig(s6, 1e-12);
-    ASSERT_TRUE(e.ok());
-    EXPECT_TRUE(Same(e->vectors, vectors));
+    EXPECT_TRUE(e.ok() && Same(e->vectors, vectors));
     for (int k = 0; k < 6; ++k) EXPECT_TRUE(qztest::SameBits(e->values[k], a(k, k)));
-    const auto b7 = Spd<7>();
-    ASSERT_TRUE(generalized_eig7(1e-12, s7.data(), b7.data(), c, values));
+    double values[7];
+    const auto gv = C([&](double *v) { ASSERT_TRUE(generalized_eig7(1e-12, s7.data(), b7.data(), v, values)); });
     const auto g = qz::generalized_eig(s7, b7, 1e-12);
-    EXPECT_TRUE(Same(g->vectors, c));
-    EXPECT_TRUE(Same(g->values, values));
+    EXPECT_TRUE(Same(g->vectors, gv) && Same(g->values, values));
 }
 
 TEST(CppApi, OrientationsAndPosesGiveTheBitsOfTheirCFunctions) {
-    auto q1 = qz::normalize(Random<qz::Quat>()).value(), q2 = qz::normalize(Random<qz::Quat>()).value();
+    const auto q1 = qz::normalize(Random<qz::Quat>()).value(), q2 = qz::normalize(Random<qz::Quat>()).value();
     const auto abc = qz::EulerXYZ<qz::Deg>{{20.0, -35.0, 140.0}};
     const auto t = qz::transform(qz::PoseXYZ<qz::Deg>{{100.0, -20.0, 300.0, 20.0, -35.0, 140.0}});
     const auto r = qz::rotation(abc);
+    const auto pq = qz::to_posquat(t);
     const auto rv = qz::to_rotvec(r), rw = Random<qz::RotVec>();
-    double c[16];
-    QZ_QuatMult(q1.data(), q2.data(), c);
-    EXPECT_TRUE(Same(qz::mul(q1, q2), c));
-    QZ_QuaternionConjugate(q1.data(), c);
-    EXPECT_TRUE(Same(qz::conjugate(q1), c));
-    QZ_QuaternionInverse(q2.data(), c);
-    EXPECT_TRUE(Same(qz::inverse(q2).value(), c));
+    EXPECT_TRUE(Same(qz::mul(q1, q2), C(QZ_QuatMult, q1, q2)));
+    EXPECT_TRUE(Same(qz::conjugate(q1), C(QZ_QuaternionConjugate, q1)));
+    EXPECT_TRUE(Same(qz::inverse(q2).value(), C(QZ_QuaternionInverse, q2)));
     EXPECT_TRUE(qztest::SameBits(qz::angle<qz::Deg>(q1, q2).value, QZ_QuaternionAngleDeg(q1.data(), q2.data())));
     EXPECT_TRUE(qztest::SameBits(qz::angle<qz::Rad>(q1, q2).value, QZ_QuaternionAngleArc(q1.data(), q2.data())));
-    QZ_QuatSlerpL(q1.data(), q2.data(), 0.3, c);
-    EXPECT_TRUE(Same(qz::slerp_long(q1, q2, 0.3), c));
-    const auto viaClass = qz::Slerp(q1, q2).at(0.3), plain = qz::slerp(q1, q2, 0.3);
+    EXPECT_TRUE(Same(qz::slerp_long(q1, q2, 0.3), C(QZ_QuatSlerpL, q1, q2, 0.3)));
+    auto q2c = q2;  // the C slerps may negate their second quaternion in place
     QZSlerpFactorState st{};
-    QZ_QuatSlerpFactor(q1.data(), q2.data(), 0.3, c, &st);  // may negate q2, as slerp does on its copy
-    EXPECT_TRUE(Same(viaClass, c));
-    EXPECT_TRUE(Same(plain, c));
-    QZ_ABC2Matrix3DEG(abc.data(), c);
-    EXPECT_TRUE(Same(r, c));
-    QZ_Matrix2Quaternion4(t.data(), c);
-    EXPECT_TRUE(Same(qz::to_quat(t), c));
-    QZ_Quaternion2Matrix3(q1.data(), c);
-    EXPECT_TRUE(Same(qz::rotation(q1), c));
-    QZ_Matrix2PosQuat(t.data(), c);
-    EXPECT_TRUE(Same(qz::to_posquat(t), c));
-    QZ_PosQuat2Matrix(qz::to_posquat(t).data(), c);
-    EXPECT_TRUE(Same(qz::transform(qz::to_posquat(t)), c));
+    const auto factor = C([&](double *out) { QZ_QuatSlerpFactor(q1.data(), q2c.data(), 0.3, out, &st); });
+    EXPECT_TRUE(Same(qz::Slerp(q1, q2).at(0.3), factor) && Same(qz::slerp(q1, q2, 0.3), factor));
+    EXPECT_TRUE(Same(r, C(QZ_ABC2Matrix3DEG, abc)));
+    EXPECT_TRUE(Same(qz::to_quat(t), C(QZ_Matrix2Quaternion4, t)));
+    EXPECT_TRUE(Same(qz::rotation(q1), C(QZ_Quaternion2Matrix3, q1)));
+    EXPECT_TRUE(Same(pq, C(QZ_Matrix2PosQuat, t)));
+    EXPECT_TRUE(Same(qz::transform(pq), C(QZ_PosQuat2Matrix, pq)));
     // The unit is in the type: the C names of the XYZ extractions carry the opposite unit.
-    QZ_Matrix2XYZABC4ARC_XYZ(t.data(), c);
-    EXPECT_TRUE(Same(qz::pose_xyz<qz::Deg>(t), c));
-    QZ_Matrix2XYZABC4DEG_XYZ(t.data(), c);
-    EXPECT_TRUE(Same(qz::pose_xyz<qz::Rad>(t), c));
-    QZ_XYZABC2Matrix4ARC(qz::pose_xyz<qz::Rad>(t).data(), c);
-    EXPECT_TRUE(Same(qz::transform(qz::pose_xyz<qz::Rad>(t)), c));
-    QZ_Matrix2XYZABC4DEG_ZYZ(t.data(), c);
-    EXPECT_TRUE(Same(qz::pose_zyz<qz::Deg>(t).value(), c));
-    QZ_Matrix2ZYZ(r.data(), c);
-    EXPECT_TRUE(Same(qz::euler_zyz(r).value(), c));
-    QZ_Matrix2XYZ(r.data(), c);
-    EXPECT_TRUE(Same(qz::euler_xyz(r), c));
-    QZ_DH2Matrix(0.5, 82.5, 316.0, -1.2, c);
-    EXPECT_TRUE(Same(qz::dh(qz::Rad{0.5}, 82.5, 316.0, qz::Rad{-1.2}), c));
+    EXPECT_TRUE(Same(qz::pose_xyz<qz::Deg>(t), C(QZ_Matrix2XYZABC4ARC_XYZ, t)));
+    EXPECT_TRUE(Same(qz::pose_xyz<qz::Rad>(t), C(QZ_Matrix2XYZABC4DEG_XYZ, t)));
+    EXPECT_TRUE(Same(qz::transform(qz::pose_xyz<qz::Rad>(t)), C(QZ_XYZABC2Matrix4ARC, qz::pose_xyz<qz::Rad>(t))));
+    EXPECT_TRUE(Same(qz::pose_zyz<qz::Deg>(t).value(), C(QZ_Matrix2XYZABC4DEG_ZYZ, t)));
+    EXPECT_TRUE(Same(qz::euler_zyz(r).value(), C(QZ_Matrix2ZYZ, r)));
+    EXPECT_TRUE(Same(qz::euler_xyz(r), C(QZ_Matrix2XYZ, r)));
+    EXPECT_TRUE(Same(qz::dh(qz::Rad{0.5}, 82.5, 316.0, qz::Rad{-1.2}), C(QZ_DH2Matrix, 0.5, 82.5, 316.0, -1.2)));
     EXPECT_TRUE(qztest::SameBits(qz::to_rad(qz::Deg{35.0}).value, 0.017453292519943295 * 35.0));
     EXPECT_TRUE(qztest::SameBits(qz::sin(qz::Deg{35.0}), QZ_SIN_DEG(35.0)));
-    AngleMult(rv.data(), rw.data(), c);
-    EXPECT_TRUE(Same(qz::compose(rv, rw), c));
-    relative_Angle(rv.data(), rw.data(), c);
-    EXPECT_TRUE(Same(qz::relative(rv, rw), c));
-    axis_angle_to_rotmat(rw.data(), c);
-    EXPECT_TRUE(Same(qz::rotation(rw), c));
+    EXPECT_TRUE(Same(qz::compose(rv, rw), C(AngleMult, rv, rw)));
+    EXPECT_TRUE(Same(qz::relative(rv, rw), C(relative_Angle, rv, rw)));
+    EXPECT_TRUE(Same(qz::rotation(rw), C(axis_angle_to_rotmat, rw)));
 }
 
 TEST(CppApi, FailuresComeBackUnderTheirOwnReason) {

@@ -166,10 +166,19 @@ class [[nodiscard]] Result {
 public:
     constexpr Result(const T &value, Status status = Status::ok) noexcept
         : value_(value), status_(status) {}
+    // A result whose value a C function is about to write in place (no zeroing, no copy).
+    struct Unwritten {};
+    explicit Result(Unwritten) noexcept : status_(Status::ok) {}
+    // Marks the call failed; zero says the C function wrote nothing, so the value becomes zeros.
+    void fail(Status status, bool zero) noexcept {
+        status_ = status;
+        if (zero) value_ = T{};
+    }
     constexpr bool ok() const noexcept { return status_ == Status::ok; }
     constexpr explicit operator bool() const noexcept { return ok(); }
     constexpr Status status() const noexcept { return status_; }
     constexpr const T &value() const noexcept { return value_; }
+    constexpr T &value() noexcept { return value_; }
     constexpr const T &operator*() const noexcept { return value_; }
     constexpr const T *operator->() const noexcept { return &value_; }
     constexpr T value_or(const T &fallback) const noexcept { return ok() ? value_ : fallback; }
@@ -362,15 +371,25 @@ inline bool same_bytes(const T &a, const T &b) noexcept {
 constexpr bool limits_clamped(double vel, double acc) noexcept {
     return !(vel >= 0.1 && vel <= 200.0) || !(acc >= 1.0 && acc <= 1000.0);
 }
-// What a run-time limit request did to one single-axis record: nothing (ignored), a pending
-// ramp, or a limit in force. Fields are compared bit for bit (padding is not), so that a NaN
-// request that was taken does not pass for an ignored one.
-inline Limit limit_outcome(const QZVDTState &before, const QZVDTState &after) noexcept {
+// The fields of a single-axis record that a run-time limit request may change, as bits, so that
+// a NaN request that was taken does not pass for an ignored one.
+struct LimitFields {
+    std::uint64_t acc, vel, target;
+    std::uint8_t isInit, pending;
+};
+inline LimitFields limit_fields(const QZVDTState &s) noexcept {
+    LimitFields f{0, 0, 0, s.isInit, s.velLmtPending};
+    std::memcpy(&f.acc, &s.accLmt, sizeof f.acc);
+    std::memcpy(&f.vel, &s.velLmt, sizeof f.vel);
+    std::memcpy(&f.target, &s.velLmtTarget, sizeof f.target);
+    return f;
+}
+// What the request did: nothing (ignored), a pending ramp, or a limit in force.
+inline Limit limit_outcome(const LimitFields &before, const QZVDTState &after) noexcept {
     if (!before.isInit) return Limit::refused;
-    const bool unchanged = same_bytes(before.accLmt, after.accLmt) && same_bytes(before.velLmt, after.velLmt) &&
-                           same_bytes(before.velLmtTarget, after.velLmtTarget) &&
-                           before.velLmtPending == after.velLmtPending;
-    if (unchanged) return Limit::ignored;
+    const LimitFields now = limit_fields(after);
+    if (now.acc == before.acc && now.vel == before.vel && now.target == before.target && now.pending == before.pending)
+        return Limit::ignored;
     return after.velLmtPending ? Limit::ramping : Limit::applied;
 }
 }  // namespace detail
@@ -381,7 +400,7 @@ inline Limit limit_outcome(const QZVDTState &before, const QZVDTState &after) no
 template <std::size_t N>
 [[nodiscard]] Vec<N> add(const Vec<N> &a, const Vec<N> &b) noexcept {
     static_assert(detail::Vector<N>::available, "qz::add: the library adds vectors of sizes 2 to 8");
-    Vec<N> out{};
+    Vec<N> out;
     detail::Vector<N>::add(a.data(), b.data(), out.data());
     return out;
 }
@@ -389,21 +408,21 @@ template <std::size_t N>
 template <std::size_t N>
 [[nodiscard]] Vec<N> axpy(const Vec<N> &a, double s, const Vec<N> &b) noexcept {
     static_assert(detail::Vector<N>::available, "qz::axpy: the library has sizes 2 to 8");
-    Vec<N> out{};
+    Vec<N> out;
     detail::Vector<N>::sa(a.data(), s, b.data(), out.data());
     return out;
 }
 // a - b.
 template <std::size_t N>
 [[nodiscard]] Vec<N> sub(const Vec<N> &a, const Vec<N> &b) noexcept {
-    Vec<N> out{};
+    Vec<N> out;
     QZ_VectSub(a.data(), static_cast<std::int32_t>(N), b.data(), out.data());
     return out;
 }
 // v * s.
 template <std::size_t N>
 [[nodiscard]] Vec<N> scale(const Vec<N> &v, double s) noexcept {
-    Vec<N> out{};
+    Vec<N> out;
     QZ_VectScale(v.data(), static_cast<std::int32_t>(N), s, out.data());
     return out;
 }
@@ -421,13 +440,13 @@ template <std::size_t N>
 template <std::size_t N>
 [[nodiscard]] Result<Vec<N>> normalize(const Vec<N> &v) noexcept {
     static_assert(detail::Vector<N>::available, "qz::normalize: the library has sizes 2 to 8");
-    Vec<N> out = v;
-    if (!detail::Vector<N>::norm(out.data())) return {out, Status::zero_length};
-    return out;
+    Result<Vec<N>> r{v};
+    if (!detail::Vector<N>::norm(r.value().data())) r.fail(Status::zero_length, false);
+    return r;
 }
 // a x b.
 [[nodiscard]] inline Vec3 cross(const Vec3 &a, const Vec3 &b) noexcept {
-    Vec3 out{};
+    Vec3 out;
     QZ_VectCross(a.data(), b.data(), out.data());
     return out;
 }
@@ -443,7 +462,7 @@ template <std::size_t N>
 template <std::size_t N>
 [[nodiscard]] Mat<N, N> identity() noexcept {
     static_assert(detail::Square<N>::available, "qz::identity: the library has sizes 2 to 8");
-    Mat<N, N> out{};
+    Mat<N, N> out;
     detail::Square<N>::identity(out.data());
     return out;
 }
@@ -451,7 +470,7 @@ template <std::size_t N>
 template <std::size_t N>
 [[nodiscard]] Mat<N, N> add(const Mat<N, N> &a, const Mat<N, N> &b) noexcept {
     static_assert(detail::Square<N>::available, "qz::add: the library adds square matrices of sizes 2 to 8");
-    Mat<N, N> out{};
+    Mat<N, N> out;
     detail::Square<N>::add(a.data(), b.data(), out.data());
     return out;
 }
@@ -459,7 +478,7 @@ template <std::size_t N>
 template <std::size_t R, std::size_t C>
 [[nodiscard]] Mat<R, C> sub(const Mat<R, C> &a, const Mat<R, C> &b) noexcept {
     static_assert(R == 6 && C == 7, "qz::sub: the library subtracts 6x7 matrices only");
-    Mat<R, C> out{};
+    Mat<R, C> out;
     QZ_MatrixSub67(a.data(), b.data(), out.data());
     return out;
 }
@@ -469,7 +488,7 @@ template <std::size_t R, std::size_t K, std::size_t C>
     static_assert(detail::Product<R, K, C>::available,
                   "qz::mul: the library multiplies square matrices of sizes 2 to 8, (6x7).(7x7) "
                   "and (6x7).(7x6) only");
-    Mat<R, C> out{};
+    Mat<R, C> out;
     detail::Product<R, K, C>::fn(a.data(), b.data(), out.data());
     return out;
 }
@@ -479,7 +498,7 @@ template <std::size_t R, std::size_t C>
     static_assert(detail::MatVec<R, C>::available,
                   "qz::mul: the library multiplies a vector by 3x3, 4x4, 6x6, 7x7, 6x7 and 7x6 "
                   "matrices only");
-    Vec<R> out{};
+    Vec<R> out;
     detail::MatVec<R, C>::fn(m.data(), v.data(), out.data());
     return out;
 }
@@ -488,25 +507,25 @@ template <std::size_t N>
 [[nodiscard]] Vec<N> mul(const Vec<N> &v, const Mat<N, N> &m) noexcept {
     static_assert(detail::VecMat<N>::available,
                   "qz::mul: the library multiplies a row vector by 6x6 and 7x7 matrices only");
-    Vec<N> out{};
+    Vec<N> out;
     detail::VecMat<N>::fn(v.data(), m.data(), out.data());
     return out;
 }
 // A . rotation block of T.
 [[nodiscard]] inline Mat3 mul_rotation(const Mat3 &a, const Mat4 &t) noexcept {
-    Mat3 out{};
+    Mat3 out;
     QZ_MatrixMult3m4(a.data(), t.data(), out.data());
     return out;
 }
 // Rotation block of T times v.
 [[nodiscard]] inline Vec3 rotate(const Mat4 &t, const Vec3 &v) noexcept {
-    Vec3 out{};
+    Vec3 out;
     QZ_MVmult43(t.data(), v.data(), out.data());
     return out;
 }
 // A . diag(d), 6 x 6.
 [[nodiscard]] inline Mat6 mul_diag(const Mat6 &a, const Vec<6> &d) noexcept {
-    Mat6 out{};
+    Mat6 out;
     QZ_MmultDiagM66(a.data(), d.data(), out.data());
     return out;
 }
@@ -516,7 +535,7 @@ template <std::size_t R, std::size_t C>
     static_assert(detail::Transpose<R, C>::available,
                   "qz::transpose: the library transposes square matrices of sizes 2 to 8 and 6x7 "
                   "only");
-    Mat<C, R> out{};
+    Mat<C, R> out;
     detail::Transpose<R, C>::fn(a.data(), out.data());
     return out;
 }
@@ -525,13 +544,13 @@ template <std::size_t R, std::size_t C>
 [[nodiscard]] Result<Mat<R, C>> inverse(const Mat<R, C> &a) noexcept {
     static_assert(R == C && detail::Square<R>::available,
                   "qz::inverse: the library inverts square matrices of sizes 2 to 8 only");
-    Mat<R, C> out{};
-    if (!detail::Square<R>::inv(a.data(), out.data())) return {out, Status::singular};
-    return out;
+    Result<Mat<R, C>> r{typename Result<Mat<R, C>>::Unwritten{}};
+    if (!detail::Square<R>::inv(a.data(), r.value().data())) r.fail(Status::singular, true);
+    return r;
 }
 // Inverse of a rigid transform in closed form (rotation transposed); T's last row is not read.
 [[nodiscard]] inline Mat4 rigid_inverse(const Mat4 &t) noexcept {
-    Mat4 out{};
+    Mat4 out;
     (void)QZ_PGMatrixInv(t.data(), out.data());
     return out;
 }
@@ -549,9 +568,9 @@ template <std::size_t R, std::size_t C>
 [[nodiscard]] Result<Mat<C, R>> pinv(const Mat<R, C> &a) noexcept {
     static_assert(detail::PseudoInverse<R, C>::available,
                   "qz::pinv: the library has pseudo-inverses of 6x7 and 7x6 matrices only");
-    Mat<C, R> out{};
-    if (!detail::PseudoInverse<R, C>::fn(a.data(), out.data())) return {out, Status::singular};
-    return out;
+    Result<Mat<C, R>> r{typename Result<Mat<C, R>>::Unwritten{}};
+    if (!detail::PseudoInverse<R, C>::fn(a.data(), r.value().data())) r.fail(Status::singular, true);
+    return r;
 }
 
 // LU factors of an N x N matrix with partial pivoting: unit lower L below the diagonal, U on and
@@ -583,7 +602,7 @@ template <std::size_t N>
 [[nodiscard]] Vec<N> solve(const Lup<N> &f, const Vec<N> &b) noexcept {
     Mat<N, N> lu = f.lu;  // the C function takes mutable row pointers but only reads them
     const auto rows = detail::row_pointers(lu);
-    Vec<N> x{};
+    Vec<N> x;
     QZ_LUPSolveEq(rows.data(), static_cast<std::int32_t>(N), f.perm.data(), b.data(), x.data());
     return x;
 }
@@ -597,7 +616,7 @@ template <std::size_t N>
 // Inverse from LUP factors (no singularity test: a zero pivot gives inf or NaN).
 template <std::size_t N>
 [[nodiscard]] Mat<N, N> inverse(const Lup<N> &f) noexcept {
-    Mat<N, N> lu = f.lu, out{};
+    Mat<N, N> lu = f.lu, out;
     const auto rows = detail::row_pointers(lu);
     const auto outRows = detail::row_pointers(out);
     QZ_MatLUPInv(rows.data(), static_cast<std::int32_t>(N), f.perm.data(), outRows.data());
@@ -676,27 +695,27 @@ template <std::size_t R, std::size_t C>
 
 // Hamilton product a (x) b, not normalised.
 [[nodiscard]] inline Quat mul(const Quat &a, const Quat &b) noexcept {
-    Quat out{};
+    Quat out;
     QZ_QuatMult(a.data(), b.data(), out.data());
     return out;
 }
 // (-x, -y, -z, w).
 [[nodiscard]] inline Quat conjugate(const Quat &q) noexcept {
-    Quat out{};
+    Quat out;
     QZ_QuaternionConjugate(q.data(), out.data());
     return out;
 }
 // Unit inverse rotation, conjugate / |q|; zero_length when |q| <= 1e-9.
 [[nodiscard]] inline Result<Quat> inverse(const Quat &q) noexcept {
-    Quat out{};
-    if (!QZ_QuaternionInverse(q.data(), out.data())) return {out, Status::zero_length};
-    return out;
+    Result<Quat> r{Result<Quat>::Unwritten{}};
+    if (!QZ_QuaternionInverse(q.data(), r.value().data())) r.fail(Status::zero_length, true);
+    return r;
 }
 // q / |q|; zero_length, q unchanged, when |q| <= 1e-16.
 [[nodiscard]] inline Result<Quat> normalize(const Quat &q) noexcept {
-    Quat out = q;
-    if (!QZ_QuaternionNorm(out.data())) return {out, Status::zero_length};
-    return out;
+    Result<Quat> r{q};
+    if (!QZ_QuaternionNorm(r.value().data())) r.fail(Status::zero_length, false);
+    return r;
 }
 // Euclidean length.
 [[nodiscard]] inline double length(const Quat &q) noexcept { return QZ_QuaternionSqrtNorm(q.data()); }
@@ -711,13 +730,13 @@ template <class U>
 }
 // Spherical interpolation along the shorter way; t = 0 gives a, t = 1 gives b (or -b).
 [[nodiscard]] inline Quat slerp(const Quat &a, Quat b, double t) noexcept {
-    Quat out{};
+    Quat out;
     QZ_QuatSlerp(a.data(), b.data(), t, out.data());
     return out;
 }
 // Spherical interpolation along the longer way.
 [[nodiscard]] inline Quat slerp_long(const Quat &a, const Quat &b, double t) noexcept {
-    Quat out{};
+    Quat out;
     QZ_QuatSlerpL(a.data(), b.data(), t, out.data());
     return out;
 }
@@ -727,7 +746,7 @@ public:
     Slerp(const Quat &from, const Quat &to, bool longWay = false) noexcept
         : a_(from), b_(to), long_(longWay) {}
     [[nodiscard]] Quat at(double t) noexcept {
-        Quat out{};
+        Quat out;
         (long_ ? QZ_QuatSlerpFactorL : QZ_QuatSlerpFactor)(a_.data(), b_.data(), t, out.data(), &state_);
         return out;
     }
@@ -747,120 +766,120 @@ private:
 
 // Quaternion of a rotation matrix, or of a transform's rotation block (not normalised).
 [[nodiscard]] inline Quat to_quat(const Mat3 &r) noexcept {
-    Quat q{};
+    Quat q;
     QZ_Matrix2Quaternion3(r.data(), q.data());
     return q;
 }
 [[nodiscard]] inline Quat to_quat(const Mat4 &t) noexcept {
-    Quat q{};
+    Quat q;
     QZ_Matrix2Quaternion4(t.data(), q.data());
     return q;
 }
 // Rotation matrix of a unit quaternion, of a rotation vector, of Euler angles.
 [[nodiscard]] inline Mat3 rotation(const Quat &q) noexcept {
-    Mat3 r{};
+    Mat3 r;
     QZ_Quaternion2Matrix3(q.data(), r.data());
     return r;
 }
 [[nodiscard]] inline Mat3 rotation(const RotVec &v) noexcept {
-    Mat3 r{};
+    Mat3 r;
     axis_angle_to_rotmat(v.data(), r.data());
     return r;
 }
 template <class U>
 [[nodiscard]] Mat3 rotation(const EulerXYZ<U> &abc) noexcept {
-    Mat3 r{};
+    Mat3 r;
     (void)(std::is_same_v<U, Deg> ? QZ_ABC2Matrix3DEG : QZ_ABC2Matrix3ARC)(abc.data(), r.data());
     return r;
 }
 [[nodiscard]] inline Mat3 rotation(const EulerZYZ &abc) noexcept {
-    Mat3 r{};
+    Mat3 r;
     QZ_ZYZ2Matrix(abc[0], abc[1], abc[2], r.data());
     return r;
 }
 // 4x4 matrix with the rotation of q and zeros elsewhere: element (3, 3) is 0 as well.
 [[nodiscard]] inline Mat4 rotation4(const Quat &q) noexcept {
-    Mat4 m{};
+    Mat4 m;
     QZ_Quaternion2Matrix4(q.data(), m.data());
     return m;
 }
 // Elementary rotations.
 [[nodiscard]] inline Mat3 rot_x(Rad a) noexcept {
-    Mat3 r{};
+    Mat3 r;
     QZ_RotXARC(a.value, r.data());
     return r;
 }
 [[nodiscard]] inline Mat3 rot_y(Rad a) noexcept {
-    Mat3 r{};
+    Mat3 r;
     QZ_RotYARC(a.value, r.data());
     return r;
 }
 [[nodiscard]] inline Mat3 rot_z(Rad a) noexcept {
-    Mat3 r{};
+    Mat3 r;
     QZ_RotZARC(a.value, r.data());
     return r;
 }
 // XYZ angles in radians of a rotation or of a transform's rotation block.
 [[nodiscard]] inline EulerXYZ<Rad> euler_xyz(const Mat3 &r) noexcept {
-    EulerXYZ<Rad> abc{};
+    EulerXYZ<Rad> abc;
     (void)QZ_Matrix2XYZ(r.data(), abc.data());
     return abc;
 }
 [[nodiscard]] inline EulerXYZ<Rad> euler_xyz(const Mat4 &t) noexcept {
-    EulerXYZ<Rad> abc{};
+    EulerXYZ<Rad> abc;
     (void)QZ_Matrix42XYZ(t.data(), abc.data());
     return abc;
 }
 // ZYZ angles in radians; zyz_singular below |b| = 0.5 degree, with a = 0 and usable b, c.
 [[nodiscard]] inline Result<EulerZYZ> euler_zyz(const Mat3 &r) noexcept {
-    EulerZYZ abc{};
-    if (!QZ_Matrix2ZYZ(r.data(), abc.data())) return {abc, Status::zyz_singular};
+    Result<EulerZYZ> abc{Result<EulerZYZ>::Unwritten{}};
+    if (!QZ_Matrix2ZYZ(r.data(), abc.value().data())) abc.fail(Status::zyz_singular, false);
     return abc;
 }
 [[nodiscard]] inline Result<EulerZYZ> euler_zyz(const Mat4 &t) noexcept {
-    EulerZYZ abc{};
-    if (!QZ_Matrix42ZYZ(t.data(), abc.data())) return {abc, Status::zyz_singular};
+    Result<EulerZYZ> abc{Result<EulerZYZ>::Unwritten{}};
+    if (!QZ_Matrix42ZYZ(t.data(), abc.value().data())) abc.fail(Status::zyz_singular, false);
     return abc;
 }
 // Rotation vector of a rotation matrix, angle in [0, pi].
 [[nodiscard]] inline RotVec to_rotvec(const Mat3 &r) noexcept {
-    RotVec v{};
+    RotVec v;
     rotmat_to_axis_angle(r.data(), v.data());
     return v;
 }
 // Rotation vector of R(a) R(b): b applied first, both in the fixed frame.
 [[nodiscard]] inline RotVec compose(const RotVec &a, const RotVec &b) noexcept {
-    RotVec out{};
+    RotVec out;
     AngleMult(a.data(), b.data(), out.data());
     return out;
 }
 // The rotation from orientation a to orientation b, expressed in frame a: Ra^T Rb.
 [[nodiscard]] inline Mat3 relative(const Mat3 &a, const Mat3 &b) noexcept {
-    Mat3 out{};
+    Mat3 out;
     relative_rotation(a.data(), b.data(), out.data());
     return out;
 }
 [[nodiscard]] inline RotVec relative(const RotVec &a, const RotVec &b) noexcept {
-    RotVec out{};
+    RotVec out;
     relative_Angle(a.data(), b.data(), out.data());
     return out;
 }
 
 // Transform of a pose.
 [[nodiscard]] inline Mat4 transform(const PosQuat &p) noexcept {
-    Mat4 t{};
+    Mat4 t;
     QZ_PosQuat2Matrix(p.data(), t.data());
     return t;
 }
 template <class U>
 [[nodiscard]] Mat4 transform(const PoseXYZ<U> &p) noexcept {
-    Mat4 t{};
+    Mat4 t;
     (std::is_same_v<U, Deg> ? QZ_XYZABC2Matrix4DEG : QZ_XYZABC2Matrix4ARC)(p.data(), t.data());
     return t;
 }
 // PosQuat pose of a transform.
 [[nodiscard]] inline PosQuat to_posquat(const Mat4 &t) noexcept {
-    PosQuat p{};
+    PosQuat p;
     QZ_Matrix2PosQuat(t.data(), p.data());
     return p;
 }
@@ -869,7 +888,7 @@ template <class U>
 [[nodiscard]] inline Result<PosQuat> to_posquat(const PoseXYZ<Deg> &p) noexcept {
     double buf[8] = {p[0], p[1], p[2], p[3], p[4], p[5], 0.0, 0.0};
     const bool ok = QZ_XYZABC2XYZQ(buf) != 0;
-    PosQuat out{};
+    PosQuat out;
     for (std::size_t i = 0; i < 7; ++i) out[i] = buf[i];
     return {out, ok ? Status::ok : Status::zero_length};
 }
@@ -877,7 +896,7 @@ template <class U>
 template <class U>
 [[nodiscard]] PoseXYZ<U> pose_xyz(const Mat4 &t) noexcept {
     static_assert(detail::is_unit<U>, "qz::pose_xyz<U>: the unit is qz::Rad or qz::Deg");
-    PoseXYZ<U> p{};
+    PoseXYZ<U> p;
     // The C names carry the opposite unit: the ARC form answers in degrees, the DEG form in radians.
     (void)(std::is_same_v<U, Deg> ? QZ_Matrix2XYZABC4ARC_XYZ : QZ_Matrix2XYZABC4DEG_XYZ)(t.data(), p.data());
     return p;
@@ -887,14 +906,14 @@ template <class U>
 template <class U>
 [[nodiscard]] Result<PoseZYZ<U>> pose_zyz(const Mat4 &t) noexcept {
     static_assert(detail::is_unit<U>, "qz::pose_zyz<U>: the unit is qz::Rad or qz::Deg");
-    PoseZYZ<U> p{};
+    Result<PoseZYZ<U>> p{PoseZYZ<U>{}};  // the singular branch leaves the position unwritten
     const auto fn = std::is_same_v<U, Deg> ? QZ_Matrix2XYZABC4DEG_ZYZ : QZ_Matrix2XYZABC4ARC_ZYZ;
-    if (!fn(t.data(), p.data())) return {p, Status::zyz_singular};
+    if (!fn(t.data(), p.value().data())) p.fail(Status::zyz_singular, false);
     return p;
 }
 // T turned about its own z axis by the angle of cosine c and sine s.
 [[nodiscard]] inline Mat4 turn_z(const Mat4 &t, double c, double s) noexcept {
-    Mat4 out{};
+    Mat4 out;
     QZ_XYZMRot(t.data(), c, s, out.data());
     return out;
 }
@@ -903,21 +922,21 @@ template <class U>
 
 // Modified Denavit-Hartenberg link transform RotX(alpha) TransX(a) RotZ(theta) TransZ(d).
 [[nodiscard]] inline Mat4 dh(Rad alpha, double a, double d, Rad theta) noexcept {
-    Mat4 t{};
+    Mat4 t;
     QZ_DH2Matrix(alpha.value, a, d, theta.value, t.data());
     return t;
 }
 // Cross-product matrix: skew(v) x = v x x.
 [[nodiscard]] inline Mat3 skew(const Vec3 &v) noexcept {
-    Mat3 s{};
+    Mat3 s;
     QZ_Skew(v.data(), s.data());
     return s;
 }
 // Crossing of two lines (point, direction), or the midpoint of their common perpendicular;
 // parallel for parallel lines or a zero direction.
 [[nodiscard]] inline Result<Vec3> line_cross(const Vec3 &p1, Vec3 d1, const Vec3 &p2, Vec3 d2) noexcept {
-    Vec3 x{};
-    if (!QZ_LineCross(p1.data(), d1.data(), p2.data(), d2.data(), x.data())) return {x, Status::parallel};
+    Result<Vec3> x{Result<Vec3>::Unwritten{}};
+    if (!QZ_LineCross(p1.data(), d1.data(), p2.data(), d2.data(), x.value().data())) x.fail(Status::parallel, true);
     return x;
 }
 // diag(R, R) . J for a 6x6 or 6x7 Jacobian.
@@ -925,7 +944,7 @@ template <std::size_t R, std::size_t C>
 [[nodiscard]] Mat<R, C> jacobian_rotate(const Mat<R, C> &j, const Mat3 &r) noexcept {
     static_assert(R == 6 && detail::JacobianRotate<C>::available,
                   "qz::jacobian_rotate: the library turns 6x6 and 6x7 Jacobians only");
-    Mat<R, C> out{};
+    Mat<R, C> out;
     detail::JacobianRotate<C>::fn(j.data(), r.data(), out.data());
     return out;
 }
@@ -953,17 +972,17 @@ public:
     }
     void empty() noexcept { (void)QZVDT_OnEmpty(&s_); }
     [[nodiscard]] Limit set_limits(double velLmt, double accLmt) noexcept {
-        const QZVDTState before = s_;
+        const auto before = detail::limit_fields(s_);
         (void)QZVDT_OnSetRunTimeLmt(&s_, velLmt, accLmt);
         return detail::limit_outcome(before, s_);
     }
     [[nodiscard]] Limit set_velocity_limit(double velLmt) noexcept {
-        const QZVDTState before = s_;
+        const auto before = detail::limit_fields(s_);
         (void)QZVDT_OnSetRunTimeVel(&s_, velLmt);
         return detail::limit_outcome(before, s_);
     }
     [[nodiscard]] Limit set_acceleration_limit(double accLmt) noexcept {
-        const QZVDTState before = s_;
+        const auto before = detail::limit_fields(s_);
         (void)QZVDT_OnSetRunTimeAcc(&s_, accLmt);
         return detail::limit_outcome(before, s_);
     }
@@ -994,7 +1013,7 @@ public:
     void empty() noexcept { (void)QZVDT_OnEmptyM(&s_); }
     // Reports what became of the main stage's request.
     [[nodiscard]] Limit set_limits(double velLmt, double accLmt) noexcept {
-        const QZVDTState before = s_.stage[0];
+        const auto before = detail::limit_fields(s_.stage[0]);
         (void)QZVDT_OnSetRunTimeLmtM(&s_, velLmt, accLmt, s_.mode);
         return detail::limit_outcome(before, s_.stage[0]);
     }
@@ -1047,17 +1066,17 @@ public:
         return QZNSyncDTS_OnEmpty(&s_) ? Status::ok : Status::not_initialised;
     }
     [[nodiscard]] LimitReport<N> set_limits(const Vec<N> &velLmt, const Vec<N> &accLmt) noexcept {
-        const QZNSyncDTSState before = s_;
+        const auto before = snapshot();
         (void)QZNSyncDTS_OnSetRunTimeLmt(&s_, velLmt.data(), accLmt.data());
         return report(before);
     }
     [[nodiscard]] LimitReport<N> set_velocity_limits(const Vec<N> &velLmt) noexcept {
-        const QZNSyncDTSState before = s_;
+        const auto before = snapshot();
         (void)QZNSyncDTS_OnSetRunTimeVel(&s_, velLmt.data());
         return report(before);
     }
     [[nodiscard]] LimitReport<N> set_acceleration_limits(const Vec<N> &accLmt) noexcept {
-        const QZNSyncDTSState before = s_;
+        const auto before = snapshot();
         (void)QZNSyncDTS_OnSetRunTimeAcc(&s_, accLmt.data());
         return report(before);
     }
@@ -1065,10 +1084,16 @@ public:
     QZNSyncDTSState &record() noexcept { return s_; }
 
 private:
-    LimitReport<N> report(const QZNSyncDTSState &before) const noexcept {
+    std::array<detail::LimitFields, N + 1> snapshot() const noexcept {
+        std::array<detail::LimitFields, N + 1> f{};
+        for (std::size_t i = 0; i < N; ++i) f[i] = detail::limit_fields(s_.axis[i]);
+        f[N].isInit = s_.isInit;
+        return f;
+    }
+    LimitReport<N> report(const std::array<detail::LimitFields, N + 1> &before) const noexcept {
         LimitReport<N> r{};
         for (std::size_t i = 0; i < N; ++i)
-            r.axis[i] = before.isInit ? detail::limit_outcome(before.axis[i], s_.axis[i]) : Limit::refused;
+            r.axis[i] = before[N].isInit ? detail::limit_outcome(before[i], s_.axis[i]) : Limit::refused;
         return r;
     }
 
@@ -1118,11 +1143,12 @@ public:
     void empty() noexcept { (void)QZNSyncDTS_OnEmptyM(&s_); }
     // Reports what became of each axis's main-stage request.
     [[nodiscard]] LimitReport<N> set_limits(const Vec<N> &velLmt, const Vec<N> &accLmt) noexcept {
-        const QZNSyncDTSMState before = s_;
+        std::array<detail::LimitFields, N> before{};
+        for (std::size_t i = 0; i < N; ++i) before[i] = detail::limit_fields(s_.axis[i].stage[0]);
         (void)QZNSyncDTS_OnSetRunTimeLmtM(&s_, velLmt.data(), accLmt.data());
         LimitReport<N> r{};
         for (std::size_t i = 0; i < N; ++i)
-            r.axis[i] = detail::limit_outcome(before.axis[i].stage[0], s_.axis[i].stage[0]);
+            r.axis[i] = s_.isInit ? detail::limit_outcome(before[i], s_.axis[i].stage[0]) : Limit::refused;
         return r;
     }
     const QZNSyncDTSMState &record() const noexcept { return s_; }
