@@ -3,24 +3,26 @@
 //
 // Families (namespace qz):
 //   value types        Vec<N> Mat<R, C> Quat PosQuat PoseXYZ<U> PoseZYZ<U> EulerXYZ<U>
-//                      EulerZYZ<U> RotVec; angles Rad and Deg
-//   results            Status Limit Result<T> LimitReport<N>
+//                      EulerZYZ RotVec Lup<N> EigenPairs<N>
+//   angles             Rad Deg to_rad to_deg sin cos acos atan2
+//   results            Status Limit Result<T> LimitReport<N> to_string
 //   vectors            add sub scale axpy dot length normalize cross angle
-//   matrices           identity add sub mul transpose inverse rigid_inverse det pinv lup solve
-//                      cholesky vmv eig generalized_eig
+//   matrices           identity add sub mul mul_rotation rotate mul_diag transpose inverse
+//                      rigid_inverse det pinv lup solve cholesky vmv eig generalized_eig
 //   quaternions        mul conjugate inverse normalize length angle slerp slerp_long Slerp
-//   orientation        rotation transform to_quat to_posquat to_rotvec euler_xyz euler_zyz
-//                      pose_xyz pose_zyz rot_x rot_y rot_z compose relative turn_z
+//                      slerp_direction
+//   orientation        rotation rotation4 transform to_quat to_posquat to_rotvec euler_xyz
+//                      euler_zyz pose_xyz pose_zyz rot_x rot_y rot_z compose relative turn_z
 //   frames             dh skew line_cross jacobian_rotate
 //   stateful families  Tracker MultiStageTracker SmoothedTracker<N> SmoothedMultiStageTracker<N>
 //                      Estimator<N> OneStepFitter<N> ErrorComparator AveragingFilter<N>
 //                      SmoothedValue
 //
 // Every value type is a std::array of double in the layout the C function expects (row-major
-// matrices, quaternions x, y, z, w), so value.data() goes to a C function and back as it is. Each
-// wrapper calls exactly one C function (or a fixed sequence of them) and returns its bits
-// unchanged; a size that the library does not provide is a compile error. Nothing here throws
-// or allocates, and every function is noexcept: fit for the real-time cycle.
+// matrices, quaternions x, y, z, w), so value.data() goes to a C function and back as it is.
+// Each wrapper calls the one C function of its size or shape and returns its bits unchanged; a
+// size that the library does not provide is a compile error. Nothing here throws or allocates,
+// and every function is noexcept: fit for the real-time cycle.
 #ifndef QZMATH_QZMATH_HPP
 #define QZMATH_QZMATH_HPP
 
@@ -997,6 +999,8 @@ private:
 };
 
 // Multi-stage single-axis tracker (mode 0 plain, 1 slowed main stage, other values cascade).
+// init_limits() judges the limits as given; the correction stages' shares of them (V/6, V/18,
+// V/90) are clamped on their own, so a small V gives them the floor of 0.1.
 class MultiStageTracker {
 public:
     MultiStageTracker(double cycleMs, double velLmt, double accLmt, std::int32_t mode) noexcept
