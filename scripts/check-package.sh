@@ -12,7 +12,7 @@ bash scripts/setup-debian.sh $QZ_BUILD_PACKAGES
 bash scripts/package.sh >/dev/null
 deb="$(ls -t "$PWD"/build-package/libqzmath-dev_*.deb | head -1)"
 echo "== package: $(basename "$deb")"
-dpkg-deb --contents "$deb" | awk '{print "   " $6}' | grep -E '\.(h|so[.0-9]*|a|cmake|pc)$'
+dpkg-deb --contents "$deb" | awk '{print "   " $6}' | grep -E '\.(h|hpp|so[.0-9]*|a|cmake|pc)$'
 
 sudo=""
 [ "$(id -u)" -eq 0 ] || sudo="sudo"
@@ -21,7 +21,7 @@ echo "== installed: $(dpkg-query -W -f='${Package} ${Version} ${Status}' libqzma
 
 work="$(mktemp -d)"
 trap 'rm -rf "$work"' EXIT
-cp tests/consumer/CMakeLists.txt tests/consumer/consumer.c "$work"/
+cp tests/consumer/CMakeLists.txt tests/consumer/consumer.c tests/consumer/consumer.cpp "$work"/
 tree="$PWD"
 cd "$work"
 # Nothing from this shell may lead the tools back to the tree.
@@ -49,6 +49,8 @@ cmake --build build >/dev/null
 grep -E '^QZMath_DIR' build/CMakeCache.txt | sed 's/^/   /'
 check_binary build/consumer
 ./build/consumer | sed 's/^/   /'
+check_binary build/consumer_cpp
+./build/consumer_cpp | sed 's/^/   /'
 
 echo "== consumer through pkg-config"
 flags="$(pkg-config --cflags --libs qzmath)"

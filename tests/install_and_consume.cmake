@@ -1,15 +1,17 @@
-# Installs the build into a scratch prefix, then builds and runs two consumers against the
-# installed tree only: one through find_package(QZMath), one through pkg-config.
-# Inputs: BUILD_DIR, WORK_DIR, CONSUMER_SRC, C_COMPILER.
+# Installs the build into a scratch prefix, then builds and runs consumers against the installed
+# tree only: a C and a C++ one through find_package(QZMath), the C one through pkg-config.
+# Inputs: BUILD_DIR, WORK_DIR, CONSUMER_SRC, C_COMPILER, CXX_COMPILER.
 file(REMOVE_RECURSE ${WORK_DIR})
 set(prefix ${WORK_DIR}/prefix)
 execute_process(COMMAND ${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix}
   OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
 
 execute_process(COMMAND ${CMAKE_COMMAND} -S ${CONSUMER_SRC} -B ${WORK_DIR}/build
-  -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_C_COMPILER=${C_COMPILER} COMMAND_ERROR_IS_FATAL ANY)
+  -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_C_COMPILER=${C_COMPILER} -DCMAKE_CXX_COMPILER=${CXX_COMPILER}
+  COMMAND_ERROR_IS_FATAL ANY)
 execute_process(COMMAND ${CMAKE_COMMAND} --build ${WORK_DIR}/build COMMAND_ERROR_IS_FATAL ANY)
 execute_process(COMMAND ${WORK_DIR}/build/consumer COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND ${WORK_DIR}/build/consumer_cpp COMMAND_ERROR_IS_FATAL ANY)
 
 find_program(PKG_CONFIG pkg-config)
 if(PKG_CONFIG)
