@@ -273,8 +273,10 @@ QZ_API int32_t QZ_Solve3OrderEq(double a, double b, double c, double d, double *
 QZ_API int32_t QZ_Solve4OrderEq(double a, double b, double c, double d, double e, double *re,
                                 double *im);
 /**
- * @brief Real roots of the quartic: those of QZ_Solve4OrderEq with |im| <= 1e-16 or
- * |re| / |im| > 10000, imaginary part dropped.
+ * @brief Real roots of the quartic a x^4 + b x^3 + c x^2 + d x + e.
+ *
+ * The roots of QZ_Solve4OrderEq with |im| <= 1e-16 or |re| / |im| > 10000, imaginary part
+ * dropped.
  * @param[in]  a      Coefficient of x^4.
  * @param[in]  b      Coefficient of x^3.
  * @param[in]  c      Coefficient of x^2.
@@ -316,10 +318,9 @@ QZ_API double QZ_CalAngleCDEG(double a, double b, double c);
  */
 QZ_API int32_t QZ_PointToLine(const double *A, const double *B, const double *P, double *F);
 /**
- * @brief Shortest angular distance between two angles in degrees, bringing the second within
- * 180 degrees of the first.
+ * @brief Shortest angular distance between two angles in degrees.
  *
- * Bounded time for any difference.
+ * Also brings the second angle within 180 degrees of the first. Bounded time for any difference.
  * @param[in]     a  Reference angle (degrees).
  * @param[in,out] b  Angle (degrees); receives the copy of its angle, *b plus whole turns, that
  *                   lies within 180 of a (a difference of 180 stores a - 180).

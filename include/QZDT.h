@@ -175,8 +175,9 @@ QZ_API uint8_t QZNSyncDTS_OnInit(QZNSyncDTSState *s, int32_t n, double cycleMs, 
  */
 QZ_API uint8_t QZNSyncDTS_OnEmpty(QZNSyncDTSState *s);
 /**
- * @brief Passes per-axis velocity and acceleration limits to QZVDT_OnSetRunTimeLmt in axis
- * order; averaging spans are kept.
+ * @brief Run-time velocity and acceleration limits per axis, through QZVDT_OnSetRunTimeLmt.
+ *
+ * The axes take them in axis order; averaging spans are kept.
  * @param[in,out] s       Record.
  * @param[in]     velLmt  Axis array: velocity limits (units/s).
  * @param[in]     accLmt  Axis array: acceleration limits (units/s^2).
@@ -251,7 +252,9 @@ QZ_API uint8_t QZNSyncDTS_OnGetCurPVA(const QZNSyncDTSState *s, double *target, 
                                       double *acc);
 /**
  * @brief Copies the smoothed positions, velocities and accelerations, also while a reset is
- * pending (then they are whatever the record last held).
+ * pending.
+ *
+ * While a reset is pending they are whatever the record last held.
  * @param[in]  s    Record.
  * @param[out] pos  Axis array: smoothed positions (units).
  * @param[out] vel  Axis array: smoothed velocities (units/s).
@@ -370,8 +373,9 @@ typedef struct QZNEstState {
 QZ_API void QZOnInitEst(QZNEstState *s, int32_t n, double cycleMs, const double *velLmtMax,
                         const double *velLmtCur);
 /**
- * @brief Makes the next step start afresh and zeroes the held positions and velocity estimates;
- * the jitter score survives.
+ * @brief Makes the next estimator step start afresh.
+ *
+ * Zeroes the held positions and velocity estimates; the jitter score survives.
  * @param[in,out] s  Record.
  * @return 1.
  */
@@ -384,8 +388,8 @@ QZ_API int32_t QZNEst_OnEmpty(QZNEstState *s);
  */
 QZ_API int32_t QZNEst_OnSetRunTimeLmt(QZNEstState *s, const double *velLmtCur);
 /**
- * @brief One control cycle of the estimator: takes new samples when the stamp changes and hands
- * out the held positions.
+ * @brief One control cycle of the estimator: new samples when the stamp changes, held positions
+ * out.
  * @param[in,out] s      Record.
  * @param[in]     stamp  Sample stamp; a stamp different from the last one carries new samples
  *                       (stamps wrap modulo 9993).
@@ -417,8 +421,9 @@ typedef struct OneFitterState {
 } OneFitterState;
 
 /**
- * @brief Sets the channel count and coefficients of the one-step fitter and clears state and
- * lastOut in all eight slots.
+ * @brief Sets the channel count and coefficients of the one-step fitter.
+ *
+ * Clears state and lastOut in all eight slots.
  * @param[out] s      Record.
  * @param[in]  n      Number of channels; a count above 8 is kept in axisNum but only eight
  *                    coefficients are read and stored.
@@ -459,16 +464,19 @@ typedef struct QZDCTRLErrorState {
 } QZDCTRLErrorState;
 
 /**
- * @brief Clears err and integ and installs the default gains and limits for joints 0-6 (slot 7
- * of every array is set to 0).
+ * @brief Clears the comparator and installs its default gains and limits.
+ *
+ * Clears err and integ and installs the default gains and limits for joints 0-6 (slot 7 of every
+ * array is set to 0).
  * @param[in]  unused  Ignored.
  * @param[out] s       Record.
  * @return 1.
  */
 QZ_API int32_t QZ_DCTRL_ErrorCompare_Init(int32_t unused, QZDCTRLErrorState *s);
 /**
- * @brief One cycle of the comparator: a correction per joint from the error second[j] - first[j],
- * j = 0..6.
+ * @brief One cycle of the comparator: a correction per joint from second[j] - first[j].
+ *
+ * For the seven joints j = 0..6.
  * @param[in]     unused  Ignored.
  * @param[in]     first   Array of 7: first joint vector (joint units).
  * @param[in]     second  Array of 7: second joint vector (joint units).

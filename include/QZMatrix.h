@@ -274,8 +274,9 @@ QZ_API void QZ_MatrixMult8(const double *A, const double *B, double *Out);
 /** @name QZ_MatrixCpy2 .. QZ_MatrixCpy8 */
 /** @{ */
 /**
- * @brief Copies an n-by-n matrix, n = 2..8 (the suffix), all n*n elements bit for bit; the
- * source comes first.
+ * @brief Copies an n-by-n matrix, n = 2..8 (the suffix), bit for bit; the source comes first.
+ *
+ * All n*n elements are copied.
  * @param[in]  src  Matrix (n*n).
  * @param[out] dst  Matrix (n*n), dst = src.
  * @aliasing dst may be src.
@@ -291,8 +292,9 @@ QZ_API void QZ_MatrixCpy8(const double *src, double *dst);
 /** @name QZ_MatrixIdentity2 .. QZ_MatrixIdentity8 */
 /** @{ */
 /**
- * @brief Sets an n-by-n matrix, n = 2..8 (the suffix), to the identity: each row set to 0.0,
- * then its diagonal element to 1.0.
+ * @brief Sets an n-by-n matrix, n = 2..8 (the suffix), to the identity.
+ *
+ * Each row is set to 0.0, then its diagonal element to 1.0.
  * @param[out] M  Matrix (n*n).
  */
 QZ_API void QZ_MatrixIdentity2(double *M);
@@ -562,10 +564,9 @@ QZ_API uint8_t QZ_MatrixInv7(const double *A, double *Ainv);
 QZ_API uint8_t QZ_MatrixInv8(const double *A, double *Ainv);
 /** @} */
 /**
- * @brief Inverse of a rigid 4-by-4 homogeneous transform in closed form: rotation transposed,
- * position -R^T p.
+ * @brief Inverse of a rigid 4-by-4 homogeneous transform in closed form.
  *
- * No check that R is a rotation.
+ * Rotation transposed, position -R^T p. No check that R is a rotation.
  * @param[in]  T     Transform (16); its last row is not read.
  * @param[out] Tinv  Transform (16), the inverse; last row (0, 0, 0, 1) whatever T's last row
  *                   holds.
@@ -574,8 +575,9 @@ QZ_API uint8_t QZ_MatrixInv8(const double *A, double *Ainv);
  */
 QZ_API uint8_t QZ_PGMatrixInv(const double *T, double *Tinv);
 /**
- * @brief Determinant of the leading n-by-n block of an 8-by-8 row-major array, by cofactor
- * expansion along the first row.
+ * @brief Determinant of the leading n-by-n block of an 8-by-8 row-major array.
+ *
+ * By cofactor expansion along the first row.
  * @param[in] A  Array (8x8, 64), row stride 8 whatever n is.
  * @param[in] n  Block size, 1..8.
  * @return The determinant; A[0] for n = 1; 0.0 for n < 1; 0.0 also for n > 8, without reading A
@@ -613,8 +615,9 @@ QZ_API int32_t QZ_MatLUPD(double *const *A, int32_t m, int32_t n, int32_t *P);
  */
 QZ_API void QZ_LUPSolveEq(double *const *LU, int32_t n, const int32_t *P, const double *b, double *x);
 /**
- * @brief Determinant of the n-by-n matrix decomposed into LU and P: the product of U's diagonal,
- * negated for an odd number of exchanges.
+ * @brief Determinant of the n-by-n matrix that QZ_MatLUPD decomposed.
+ *
+ * The product of U's diagonal, negated for an odd number of exchanges.
  * @param[in] LU  Row pointers (n), each to n elements: L and U from QZ_MatLUPD.
  * @param[in] n   Size.
  * @param[in] P   Array of n + 1: the permutation from QZ_MatLUPD.
@@ -669,8 +672,9 @@ QZ_API uint8_t QZ_RightPsoInv67(const double *A, double *Apinv);
 /* ---- Cholesky and eigen decomposition --------------------------------------------------- */
 
 /**
- * @brief Lower Cholesky factor of the leading n-by-n block of a symmetric positive definite
- * matrix held in 6-by-6 storage.
+ * @brief Lower Cholesky factor of a symmetric positive definite matrix in 6-by-6 storage.
+ *
+ * Factorises the leading n-by-n block.
  * @param[in]  A  Matrix (6x6, 36), row stride 6; only its lower triangle is read.
  * @param[out] L  Matrix (6x6, 36), row stride 6: the factor, positive diagonal, zeros written
  *                above it.
@@ -774,10 +778,9 @@ QZ_API uint8_t eig7(double *A, double *V, double eps);
 QZ_API uint8_t generalized_eig(double eps, const double *A, const double *B, double *V,
                                double *lambda);
 /**
- * @brief As generalized_eig on 7-by-7 arrays, lambda[i] = K[i][i] and V = L^-T W in eig7's
- * order, no sign change.
+ * @brief As generalized_eig on 7-by-7 arrays, in eig7's order.
  *
- * Reentrant, like every other function here: its work arrays live on the stack.
+ * lambda[i] = K[i][i] and V = L^-T W in eig7's order, no sign change. Reentrant, like every other function here: its work arrays live on the stack.
  * @param[in]  eps     Stopping threshold of eig7, > 0.
  * @param[in]  A       Matrix (7x7, 49), symmetric; not written.
  * @param[in]  B       Matrix (7x7, 49), symmetric positive definite; not written.

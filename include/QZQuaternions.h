@@ -68,10 +68,9 @@ QZ_API void QZ_QuaternionConjugate(const double *q, double *out);
  */
 QZ_API uint32_t QZ_QuaternionInverse(const double *q, double *out);
 /**
- * @brief Angle in degrees of the shorter rotation between two unit quaternions (q and -q are the
- * same orientation).
+ * @brief Angle in degrees of the shorter rotation between two unit quaternions.
  *
- * |q1 . q2| is clamped to 0.9999999999, so equal orientations give the minimum, not 0, and every
+ * q and -q are the same orientation. |q1 . q2| is clamped to 0.9999999999, so equal orientations give the minimum, not 0, and every
  * angle below 2.83e-5 rad reads as that minimum: not a fine convergence test (the vector part of
  * q1 (x) q2^-1 resolves ~1e-16 rad).
  * @param[in] q1  Quaternion (4), taken as unit length (not normalised).
@@ -272,8 +271,9 @@ QZ_API void axis_angle_to_rotmat(const double *r, double *R);
  */
 QZ_API void rotmat_to_axis_angle(const double *R, double *r);
 /**
- * @brief Rotation vector of the composition: r2 applied first, then r1, both in the fixed frame
- * (matrix R(r1) R(r2)).
+ * @brief Rotation vector of the composition of two rotation vectors, matrix R(r1) R(r2).
+ *
+ * r2 is applied first, then r1, both in the fixed frame.
  * @param[in]  r1   Rotation vector (3, rad), applied second.
  * @param[in]  r2   Rotation vector (3, rad), applied first.
  * @param[out] out  Rotation vector (3, rad) of the composition.
