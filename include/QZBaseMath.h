@@ -91,7 +91,8 @@ QZ_API double QZ_COS_DEG(double d);
  * @param[in]  a  Angle (rad).
  * @param[out] s  Sine of a, stored first.
  * @param[out] c  Cosine of a, stored second.
- * @aliasing s may be c: the cosine remains.
+ * @par Aliasing
+ * s may be c: the cosine remains.
  */
 QZ_API void QZ_SIN_COS_ARC(double a, double *s, double *c);
 /**
@@ -100,7 +101,8 @@ QZ_API void QZ_SIN_COS_ARC(double a, double *s, double *c);
  * @param[in]  d  Angle (degrees).
  * @param[out] s  Sine of d, stored first.
  * @param[out] c  Cosine of d, stored second.
- * @aliasing s may be c: the cosine remains.
+ * @par Aliasing
+ * s may be c: the cosine remains.
  */
 QZ_API void QZ_SIN_COS_DEG(double d, double *s, double *c);
 /**
@@ -232,7 +234,8 @@ QZ_API uint8_t QZ_CubicSolve_Max_Nag(double a, double b, double c, double d, dou
  * @param[in]  c   Constant term.
  * @param[out] re  Array of 2: real parts of the roots 0 .. count-1.
  * @param[out] im  Array of 2: imaginary parts of the roots 0 .. count-1.
- * @aliasing re and im must be distinct arrays.
+ * @par Aliasing
+ * re and im must be distinct arrays.
  * @return The number of roots: for |a| <= 1e-15, 1 (or 0 when |b| <= 1e-15); otherwise 2: two
  * real ones (the larger first for a > 0), or for a discriminant D <= 0 the real part -b/2a twice
  * with imaginary parts +-sqrt(-D)/2a in that order (a zero discriminant thus gives the double
@@ -250,7 +253,8 @@ QZ_API int32_t QZ_Solve2OrderEq(double a, double b, double c, double *re, double
  * @param[in]  d   Constant term.
  * @param[out] re  Array of 3: real parts of the roots 0 .. count-1.
  * @param[out] im  Array of 3: imaginary parts of the roots 0 .. count-1.
- * @aliasing re and im must be distinct arrays.
+ * @par Aliasing
+ * re and im must be distinct arrays.
  * @return The number of roots; 3 unless a or d is exactly 0: one real root then a conjugate
  * pair, or three real roots (a double root listed twice).
  */
@@ -266,7 +270,8 @@ QZ_API int32_t QZ_Solve3OrderEq(double a, double b, double c, double d, double *
  * @param[in]  e   Constant term.
  * @param[out] re  Array of 4: real parts of the roots 0 .. count-1.
  * @param[out] im  Array of 4: imaginary parts of the roots 0 .. count-1.
- * @aliasing re and im must be distinct arrays.
+ * @par Aliasing
+ * re and im must be distinct arrays.
  * @return The number of roots: 4, or 0 with nothing written when the resolvent's constant
  * 4ce - d^2 - b^2 e (monic form) is exactly 0.
  */
@@ -313,7 +318,8 @@ QZ_API double QZ_CalAngleCDEG(double a, double b, double c);
  * @param[in]  B  Array of 3: a second point on the line; A == B gives a non-finite foot.
  * @param[in]  P  Array of 3: the point.
  * @param[out] F  Array of 3: the foot.
- * @aliasing F may be any input.
+ * @par Aliasing
+ * F may be any input.
  * @return 1.
  */
 QZ_API int32_t QZ_PointToLine(const double *A, const double *B, const double *P, double *F);

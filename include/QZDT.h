@@ -49,7 +49,8 @@ typedef struct QZVDTState {
     uint8_t isInit;        /**< 1 once initialised */
     uint8_t resetPending;  /**< 1: the next step snaps to its target */
     double velLmt;         /**< active velocity limit (units/s) */
-    uint8_t velLmtPending; /**< 1: a lowered limit waits in velLmtTarget while the axis ramps down */
+    uint8_t velLmtPending; /**< 1: a lowered limit waits in velLmtTarget while the axis ramps
+                                down */
     double velLmtTarget;   /**< most recently requested velocity limit */
     double baseDt;         /**< cycle time (s) */
 } QZVDTState;
@@ -212,7 +213,8 @@ QZ_API uint8_t QZNSyncDTS_OnSetRunTimeAcc(QZNSyncDTSState *s, const double *accL
  * @param[in,out] s       Record.
  * @param[in]     target  Axis array: target positions (units).
  * @param[out]    pos     Axis array: smoothed positions (units).
- * @aliasing pos may be the target array.
+ * @par Aliasing
+ * pos may be the target array.
  * @retval 1 stepped.
  * @retval 0 the record is not initialised; outputs unwritten.
  */
@@ -224,7 +226,8 @@ QZ_API uint8_t QZNSyncDTS_OnDT(QZNSyncDTSState *s, const double *target, double 
  * @param[out]    pos     Axis array: smoothed positions (units).
  * @param[out]    vel     Axis array: smoothed velocities (units/s).
  * @param[out]    acc     Axis array: smoothed accelerations (units/s^2).
- * @aliasing pos may be the target array; vel and acc are further distinct arrays.
+ * @par Aliasing
+ * pos may be the target array; vel and acc are further distinct arrays.
  * @retval 1 stepped.
  * @retval 0 the record is not initialised; outputs unwritten.
  */
@@ -279,7 +282,8 @@ typedef struct QZVDTMState {
     QZVDTState stage[4]; /**< stage 0 the main tracker, 1..3 the correction stages */
     double blend;        /**< share of the correction positions moved into stage 0 per step */
     double corrScale;    /**< correction band k: stages 1, 2, 3 work within 10k, 3k, k */
-    int32_t mode;        /**< 0: single stage; other: cascade. Set by the caller (see QZVDT_OnInitM) */
+    int32_t mode;        /**< 0: single stage; other: cascade. Set by the caller (see
+                              QZVDT_OnInitM) */
     int32_t targetJump;  /**< sticky: set by QZNSyncDTS_OnDTM when the target jumped */
 } QZVDTMState;
 
@@ -339,7 +343,8 @@ typedef struct QZNEstState {
     double heldPos[QZ_MAX_AXES];    /**< position handed out on the last call */
     double velEst[QZ_MAX_AXES];     /**< smoothed velocity (units/s), stepped towards velMeas every
                                        call, dropped to 0 after holdLimit calls without a sample */
-    double velMeas[QZ_MAX_AXES];    /**< measured velocity after the near-limit cut and the clamps */
+    double velMeas[QZ_MAX_AXES];    /**< measured velocity after the near-limit cut and the
+                                       clamps */
     double lastSample[QZ_MAX_AXES]; /**< latest sample */
     double velRaw[QZ_MAX_AXES];     /**< measured velocity before the cut and the clamps */
     double velLmtCur[QZ_MAX_AXES];  /**< current velocity limit */
@@ -347,7 +352,8 @@ typedef struct QZNEstState {
     double dt;                      /**< sample period (s) */
     int32_t ticksSinceSample;       /**< calls since the last new sample */
     int32_t cycleMsInt;             /**< sample period in whole ms (truncated) */
-    int32_t holdLimit;              /**< calls without a sample after which velEst is dropped (<= 50) */
+    int32_t holdLimit;              /**< calls without a sample after which velEst is dropped
+                                       (<= 50) */
     int32_t resetPending;           /**< 1: the next step starts afresh from its samples */
     int32_t lastStamp;              /**< stamp of the latest sample */
     uint8_t nearLimit[QZ_MAX_AXES]; /**< 1 while the reference velocity is near its maximum
@@ -399,7 +405,8 @@ QZ_API int32_t QZNEst_OnSetRunTimeLmt(QZNEstState *s, const double *velLmtCur);
  * @param[in]     r      Array of axisNum: reference velocities (units/s), read only with a new
  *                       sample, to cut the measured velocity while |r| nears velLmtMax (on above
  *                       0.97, off below 0.85).
- * @aliasing out may be x.
+ * @par Aliasing
+ * out may be x.
  * @return 1.
  */
 QZ_API int32_t QZNEst_OnDT(QZNEstState *s, int32_t stamp, const double *x, double *out,
@@ -417,7 +424,8 @@ typedef struct OneFitterState {
     int32_t axisNum;                 /**< channels in use, as given to OneFitterInit */
     double state[QZ_MAX_CHANNELS];   /**< per channel, the last output */
     double lastOut[QZ_MAX_CHANNELS]; /**< outputs of the last run, for the caller */
-    double alpha[QZ_MAX_CHANNELS];   /**< per channel, weight of the new input (1 passes, 0 freezes) */
+    double alpha[QZ_MAX_CHANNELS];   /**< per channel, weight of the new input (1 passes,
+                                        0 freezes) */
 } OneFitterState;
 
 /**
@@ -435,7 +443,8 @@ QZ_API void OneFitterInit(OneFitterState *s, int32_t n, const double *alpha);
  * @param[in,out] s    Record.
  * @param[in]     x    Array of min(axisNum, 8): one sample per channel.
  * @param[out]    out  Array of min(axisNum, 8): filtered values.
- * @aliasing out may be the x array.
+ * @par Aliasing
+ * out may be the x array.
  * @return The number of channels filtered, axisNum capped at 8, or 0 (nothing written) when
  * axisNum < 1.
  */
@@ -456,7 +465,8 @@ QZ_API int32_t OneFitterRun(OneFitterState *s, const double *x, double *out);
 typedef struct QZDCTRLErrorState {
     double err[QZ_DCTRL_SLOTS];      /**< dead-banded, clamped error of the last call */
     double integ[QZ_DCTRL_SLOTS];    /**< clamped running sum of err */
-    double kInteg[QZ_DCTRL_SLOTS];   /**< gain on integ: 0.03 base joints 0-3, 0.02 wrist joints 4-6 */
+    double kInteg[QZ_DCTRL_SLOTS];   /**< gain on integ: 0.03 base joints 0-3, 0.02 wrist
+                                        joints 4-6 */
     double kProp[QZ_DCTRL_SLOTS];    /**< gain on err: 0 */
     double outLmt[QZ_DCTRL_SLOTS];   /**< correction limit (+-): 0.9 base, 0.6 wrist */
     double errLmt[QZ_DCTRL_SLOTS];   /**< error limit (+-): 1.5 base, 1.0 wrist */
@@ -482,7 +492,8 @@ QZ_API int32_t QZ_DCTRL_ErrorCompare_Init(int32_t unused, QZDCTRLErrorState *s);
  * @param[in]     second  Array of 7: second joint vector (joint units).
  * @param[in,out] s       Record.
  * @param[out]    corr    Array of 7: corrections (joint units).
- * @aliasing corr may be first or second (each joint is read before its correction is written).
+ * @par Aliasing
+ * corr may be first or second (each joint is read before its correction is written).
  * @return 1.
  */
 QZ_API int32_t QZ_DCTRL_ErrorCompare(int32_t unused, const double *first, const double *second,
@@ -504,11 +515,13 @@ typedef struct QZNSyncDTSMState {
     uint8_t resetPending;                     /**< 1: the next step starts afresh at the targets */
     double vel[QZ_MAX_AXES];                  /**< smoothed velocity (units/s) */
     double acc[QZ_MAX_AXES];                  /**< smoothed acceleration (units/s^2) */
-    double rawPos[QZ_MAX_AXES];               /**< unsmoothed output of each axis's multi-stage step */
+    double rawPos[QZ_MAX_AXES];               /**< unsmoothed output of each axis's multi-stage
+                                                 step */
     double pos[QZ_MAX_AXES];                  /**< smoothed position, the last output */
     double target[QZ_MAX_AXES];               /**< targets of the last step */
     double prevTarget[QZ_MAX_AXES];           /**< targets of the step before, for the jump test */
-    double ringBuf[QZ_MAX_AXES][QZ_RING_LEN]; /**< last raw outputs; the first avgLen slots are used */
+    double ringBuf[QZ_MAX_AXES][QZ_RING_LEN]; /**< last raw outputs; the first avgLen slots are
+                                                 used */
     int32_t avgLen[QZ_MAX_AXES];              /**< averaging span (cycles), 5..100 */
     double avgLenD[QZ_MAX_AXES];              /**< avgLen as a double, the divisor */
     double avgSum[QZ_MAX_AXES];               /**< running sum of the used slots */
@@ -561,7 +574,8 @@ QZ_API uint8_t QZNSyncDTS_OnSetRunTimeLmtM(QZNSyncDTSMState *s, const double *ve
  * @param[in,out] s       Record.
  * @param[in]     target  Axis array: target positions (units).
  * @param[out]    pos     Axis array: smoothed positions (units).
- * @aliasing pos may be the target array.
+ * @par Aliasing
+ * pos may be the target array.
  * @retval 1 stepped.
  * @retval 0 the record is not initialised.
  */

@@ -38,14 +38,15 @@ typedef struct QZAVGFState {
     double avgSum[QZ_MAX_CHANNELS];               /**< per channel, sum of the window */
     double avgResum[QZ_MAX_CHANNELS];             /**< per channel, sum of the samples entered since
                                                      ringIdx last wrapped */
-    double prevAvg[QZ_MAX_CHANNELS];              /**< per channel, the average output by the previous
-                                                     call */
+    double prevAvg[QZ_MAX_CHANNELS];              /**< per channel, the average output by the
+                                                     previous call */
     int32_t chNum;                                /**< channels in use, 1 to 8 */
-    int32_t ringIdx;                              /**< slot the next sample overwrites, shared by all
-                                                     channels */
+    int32_t ringIdx;                              /**< slot the next sample overwrites, shared by
+                                                     all channels */
     int32_t avgLen;                               /**< window length, 1 to 100 */
     int32_t isInit;                               /**< 1 after a successful QZAVGF_OnInit */
-    uint8_t resetPending;                         /**< 1: the next QZAVGF_OnFilt primes the window */
+    uint8_t resetPending;                         /**< 1: the next QZAVGF_OnFilt primes the
+                                                     window */
     double dt;                                    /**< sample period, the divisor of the derivative
                                                      output */
 } QZAVGFState;
@@ -77,7 +78,8 @@ QZ_API int32_t QZAVGF_OnEmpty(QZAVGFState *s);
  * @param[in]     x     Array of chNum: one sample per channel.
  * @param[out]    avg   Array of chNum: mean of the window.
  * @param[out]    dAvg  Array of chNum: (avg - previous avg) / dt (units of x per unit of dt).
- * @aliasing avg may be the x array; dAvg must be a third array.
+ * @par Aliasing
+ * avg may be the x array; dAvg must be a third array.
  * @retval 1 filtered.
  * @retval 0 the record is not initialised; nothing written.
  */

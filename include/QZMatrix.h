@@ -61,7 +61,8 @@ QZ_API int32_t QZ_VectNorm8(double *v);
  * @brief Copies a vector of n = 2..8 (the suffix) bit for bit; the source comes first.
  * @param[in]  src  Vector (n).
  * @param[out] dst  Vector (n), dst = src.
- * @aliasing dst may be src.
+ * @par Aliasing
+ * dst may be src.
  */
 QZ_API void QZ_VectCpy2(const double *src, double *dst);
 QZ_API void QZ_VectCpy3(const double *src, double *dst);
@@ -78,7 +79,8 @@ QZ_API void QZ_VectCpy8(const double *src, double *dst);
  * @param[in]  a    Vector (n).
  * @param[in]  b    Vector (n).
  * @param[out] out  Vector (n).
- * @aliasing out may be a or b.
+ * @par Aliasing
+ * out may be a or b.
  */
 QZ_API void QZ_VectAdd2(const double *a, const double *b, double *out);
 QZ_API void QZ_VectAdd3(const double *a, const double *b, double *out);
@@ -97,7 +99,8 @@ QZ_API void QZ_VectAdd8(const double *a, const double *b, double *out);
  * @param[in]  s    Scale of b.
  * @param[in]  b    Vector (n).
  * @param[out] out  Vector (n).
- * @aliasing out may be a or b.
+ * @par Aliasing
+ * out may be a or b.
  */
 QZ_API void QZ_VectSA2(const double *a, double s, const double *b, double *out);
 QZ_API void QZ_VectSA3(const double *a, double s, const double *b, double *out);
@@ -116,7 +119,8 @@ QZ_API void QZ_VectSA8(const double *a, double s, const double *b, double *out);
  * @param[in]  n    Length; n <= 0 reads and writes nothing.
  * @param[in]  b    Vector (n).
  * @param[out] out  Vector (n).
- * @aliasing out may be a or b.
+ * @par Aliasing
+ * out may be a or b.
  */
 QZ_API void QZ_VectSub(const double *a, int32_t n, const double *b, double *out);
 /**
@@ -125,7 +129,8 @@ QZ_API void QZ_VectSub(const double *a, int32_t n, const double *b, double *out)
  * @param[in]  n    Length; n <= 0 reads and writes nothing.
  * @param[in]  b    Vector (n).
  * @param[out] out  Vector (n).
- * @aliasing out may be a or b.
+ * @par Aliasing
+ * out may be a or b.
  */
 QZ_API void QZ_VectAddX(const double *a, int32_t n, const double *b, double *out);
 /**
@@ -134,7 +139,8 @@ QZ_API void QZ_VectAddX(const double *a, int32_t n, const double *b, double *out
  * @param[in]  n    Length; n <= 0 reads and writes nothing.
  * @param[in]  b    Vector (n).
  * @param[out] out  Vector (n).
- * @aliasing out may be a or b.
+ * @par Aliasing
+ * out may be a or b.
  */
 QZ_API void QZ_VectDotMult(const double *a, int32_t n, const double *b, double *out);
 /**
@@ -144,7 +150,8 @@ QZ_API void QZ_VectDotMult(const double *a, int32_t n, const double *b, double *
  * @param[in]  s    Scale of b.
  * @param[in]  b    Vector (n).
  * @param[out] out  Vector (n).
- * @aliasing out may be a or b.
+ * @par Aliasing
+ * out may be a or b.
  */
 QZ_API void QZ_VectSAX(const double *a, int32_t n, double s, const double *b, double *out);
 /**
@@ -153,7 +160,8 @@ QZ_API void QZ_VectSAX(const double *a, int32_t n, double s, const double *b, do
  * @param[in]  n    Length; n <= 0 reads and writes nothing.
  * @param[in]  s    Scale.
  * @param[out] out  Vector (n).
- * @aliasing out may be v.
+ * @par Aliasing
+ * out may be v.
  */
 QZ_API void QZ_VectScale(const double *v, int32_t n, double s, double *out);
 /**
@@ -194,7 +202,8 @@ QZ_API double QZ_VectAngle(const double *a, const double *b, int32_t n);
  * @param[in]  v    Vector (n).
  * @param[in]  n    Length; n <= 0 writes nothing.
  * @param[out] out  Vector (n).
- * @aliasing out may be v.
+ * @par Aliasing
+ * out may be v.
  */
 QZ_API void VectNormalized(const double *v, int32_t n, double *out);
 /**
@@ -203,7 +212,8 @@ QZ_API void VectNormalized(const double *v, int32_t n, double *out);
  * @param[in]  b    Vector (n), the direction; |b| < 1e-6 gives zero.
  * @param[out] out  Vector (n), the projection.
  * @param[in]  n    Length, 1..3; any other n writes nothing.
- * @aliasing out may be a or b.
+ * @par Aliasing
+ * out may be a or b.
  */
 QZ_API void CalShadowVector(const double *a, const double *b, double *out, int32_t n);
 
@@ -213,7 +223,8 @@ QZ_API void CalShadowVector(const double *a, const double *b, double *out, int32
  * @param[in]  a    Vector (3).
  * @param[in]  b    Vector (3).
  * @param[out] out  Vector (3).
- * @aliasing out must not be a or b.
+ * @par Aliasing
+ * out must not be a or b.
  */
 QZ_API void QZ_VectCross(const double *a, const double *b, double *out);
 /**
@@ -228,7 +239,8 @@ QZ_API double QZ_GetVectLenA2B(const double *a, const double *b);
  * @param[in]  a    Point (3).
  * @param[in]  b    Point (3).
  * @param[out] out  Vector (3): the unit vector, or on failure the unnormalised b - a.
- * @aliasing out may be a or b.
+ * @par Aliasing
+ * out may be a or b.
  * @retval 1 done.
  * @retval 0 |b - a|^2 < 1e-9 (points closer than about 3.2e-5); out holds b - a.
  */
@@ -239,7 +251,8 @@ QZ_API int32_t QZ_GetVectNormA2B(const double *a, const double *b, double *out);
  * @param[in]  b    Point (3).
  * @param[out] out  Vector (3): the unit vector, or on failure the unnormalised b - a.
  * @param[out] len  |b - a| on success; not written on failure.
- * @aliasing out may be a or b.
+ * @par Aliasing
+ * out may be a or b.
  * @retval 1 done.
  * @retval 0 |b - a|^2 < 1e-9; out holds b - a, *len unwritten.
  */
@@ -261,7 +274,8 @@ QZ_API int32_t QZ_GetVectNormLenA2B(const double *a, const double *b, double *ou
  * @param[in]  A    Matrix (n*n).
  * @param[in]  B    Matrix (n*n).
  * @param[out] Out  Matrix (n*n).
- * @aliasing Out must not share storage with A or B.
+ * @par Aliasing
+ * Out must not share storage with A or B.
  */
 QZ_API void QZ_MatrixMult2(const double *A, const double *B, double *Out);
 QZ_API void QZ_MatrixMult3(const double *A, const double *B, double *Out);
@@ -279,7 +293,8 @@ QZ_API void QZ_MatrixMult8(const double *A, const double *B, double *Out);
  * All n*n elements are copied.
  * @param[in]  src  Matrix (n*n).
  * @param[out] dst  Matrix (n*n), dst = src.
- * @aliasing dst may be src.
+ * @par Aliasing
+ * dst may be src.
  */
 QZ_API void QZ_MatrixCpy2(const double *src, double *dst);
 QZ_API void QZ_MatrixCpy3(const double *src, double *dst);
@@ -312,7 +327,8 @@ QZ_API void QZ_MatrixIdentity8(double *M);
  * @param[in]  A    Matrix (n*n).
  * @param[in]  B    Matrix (n*n).
  * @param[out] Out  Matrix (n*n).
- * @aliasing Out may be A or B.
+ * @par Aliasing
+ * Out may be A or B.
  */
 QZ_API void QZ_MatrixAdd2(const double *A, const double *B, double *Out);
 QZ_API void QZ_MatrixAdd3(const double *A, const double *B, double *Out);
@@ -328,7 +344,8 @@ QZ_API void QZ_MatrixAdd8(const double *A, const double *B, double *Out);
  * @brief Transpose of an n-by-n matrix, n = 2..8 (the suffix), bit for bit.
  * @param[in]  A  Matrix (n*n).
  * @param[out] B  Matrix (n*n), the transpose of A.
- * @aliasing B must not share storage with A.
+ * @par Aliasing
+ * B must not share storage with A.
  */
 QZ_API void QZ_MatrixTranspose2(const double *A, double *B);
 QZ_API void QZ_MatrixTranspose3(const double *A, double *B);
@@ -347,7 +364,8 @@ QZ_API void QZ_MatrixTranspose8(const double *A, double *B);
  * @param[in]  A    Matrix (6x7, 42).
  * @param[in]  B    Matrix (7x7, 49).
  * @param[out] Out  Matrix (6x7, 42).
- * @aliasing Out must not share storage with A or B.
+ * @par Aliasing
+ * Out must not share storage with A or B.
  */
 QZ_API void QZ_MatrixMult6777(const double *A, const double *B, double *Out);
 /**
@@ -355,7 +373,8 @@ QZ_API void QZ_MatrixMult6777(const double *A, const double *B, double *Out);
  * @param[in]  A    Matrix (6x7, 42).
  * @param[in]  B    Matrix (7x6, 42).
  * @param[out] Out  Matrix (6x6, 36).
- * @aliasing Out must not share storage with A or B.
+ * @par Aliasing
+ * Out must not share storage with A or B.
  */
 QZ_API void QZ_MatrixMult6776(const double *A, const double *B, double *Out);
 /**
@@ -363,7 +382,8 @@ QZ_API void QZ_MatrixMult6776(const double *A, const double *B, double *Out);
  * @param[in]  A    Matrix (4x4, 16).
  * @param[in]  B    Matrix (4x4, 16).
  * @param[out] Out  Matrix (4x4, 16).
- * @aliasing Out must not share storage with A or B.
+ * @par Aliasing
+ * Out must not share storage with A or B.
  */
 QZ_API void QZ_MMM44(const double *A, const double *B, double *Out);
 /**
@@ -371,7 +391,8 @@ QZ_API void QZ_MMM44(const double *A, const double *B, double *Out);
  * @param[in]  A    Matrix (3x3, 9).
  * @param[in]  T    Transform (4x4, 16); only its upper-left 3-by-3 block is read.
  * @param[out] Out  Matrix (3x3, 9).
- * @aliasing Out must not share storage with A or T.
+ * @par Aliasing
+ * Out must not share storage with A or T.
  */
 QZ_API void QZ_MatrixMult3m4(const double *A, const double *T, double *Out);
 /**
@@ -379,7 +400,8 @@ QZ_API void QZ_MatrixMult3m4(const double *A, const double *T, double *Out);
  * @param[in]  A    Matrix (6x7, 42).
  * @param[in]  B    Matrix (6x7, 42).
  * @param[out] Out  Matrix (6x7, 42).
- * @aliasing Out may be A or B.
+ * @par Aliasing
+ * Out may be A or B.
  */
 QZ_API void QZ_MatrixSub67(const double *A, const double *B, double *Out);
 /**
@@ -387,35 +409,40 @@ QZ_API void QZ_MatrixSub67(const double *A, const double *B, double *Out);
  * @param[in]  A    Matrix (6x6, 36).
  * @param[in]  d    Diagonal (6).
  * @param[out] Out  Matrix (6x6, 36).
- * @aliasing Out may be A.
+ * @par Aliasing
+ * Out may be A.
  */
 QZ_API void QZ_MmultDiagM66(const double *A, const double *d, double *Out);
 /**
  * @brief Transpose B (7x6) of A (6x7).
  * @param[in]  A  Matrix (6x7, 42).
  * @param[out] B  Matrix (7x6, 42).
- * @aliasing B must not share storage with A.
+ * @par Aliasing
+ * B must not share storage with A.
  */
 QZ_API void QZ_Mat67Transpose(const double *A, double *B);
 /**
  * @brief Transpose B (3x3) of the rotation block of T.
  * @param[in]  T  Transform (4x4, 16); only its upper-left 3-by-3 block is read.
  * @param[out] B  Matrix (3x3, 9).
- * @aliasing B must not share storage with T.
+ * @par Aliasing
+ * B must not share storage with T.
  */
 QZ_API void Mat4433Transpose(const double *T, double *B);
 /**
  * @brief Transpose of a 3x3 matrix (same as QZ_MatrixTranspose3).
  * @param[in]  A  Matrix (3x3, 9).
  * @param[out] B  Matrix (3x3, 9).
- * @aliasing B must not share storage with A.
+ * @par Aliasing
+ * B must not share storage with A.
  */
 QZ_API void MatTr33(const double *A, double *B);
 /**
  * @brief Transpose of a 4x4 matrix (same as QZ_MatrixTranspose4).
  * @param[in]  A  Matrix (4x4, 16).
  * @param[out] B  Matrix (4x4, 16).
- * @aliasing B must not share storage with A.
+ * @par Aliasing
+ * B must not share storage with A.
  */
 QZ_API void MatTr44(const double *A, double *B);
 
@@ -426,7 +453,8 @@ QZ_API void MatTr44(const double *A, double *B);
  * @param[in]  M    Matrix (3x3, 9).
  * @param[in]  v    Vector (3).
  * @param[out] out  Vector (3).
- * @aliasing out must not be an input.
+ * @par Aliasing
+ * out must not be an input.
  */
 QZ_API void QZ_MatrixMultVect3(const double *M, const double *v, double *out);
 /**
@@ -434,7 +462,8 @@ QZ_API void QZ_MatrixMultVect3(const double *M, const double *v, double *out);
  * @param[in]  M    Matrix (4x4, 16).
  * @param[in]  v    Vector (4).
  * @param[out] out  Vector (4).
- * @aliasing out must not be an input.
+ * @par Aliasing
+ * out must not be an input.
  */
 QZ_API void QZ_MatrixMultVect4(const double *M, const double *v, double *out);
 /**
@@ -442,7 +471,8 @@ QZ_API void QZ_MatrixMultVect4(const double *M, const double *v, double *out);
  * @param[in]  M    Matrix (6x6, 36).
  * @param[in]  v    Vector (6).
  * @param[out] out  Vector (6).
- * @aliasing out must not be an input.
+ * @par Aliasing
+ * out must not be an input.
  */
 QZ_API void QZ_MatrixMultVect6(const double *M, const double *v, double *out);
 /**
@@ -450,7 +480,8 @@ QZ_API void QZ_MatrixMultVect6(const double *M, const double *v, double *out);
  * @param[in]  M    Matrix (7x7, 49).
  * @param[in]  v    Vector (7).
  * @param[out] out  Vector (7).
- * @aliasing out must not be an input.
+ * @par Aliasing
+ * out must not be an input.
  */
 QZ_API void QZ_MatrixMultVect7(const double *M, const double *v, double *out);
 /**
@@ -458,7 +489,8 @@ QZ_API void QZ_MatrixMultVect7(const double *M, const double *v, double *out);
  * @param[in]  M    Matrix (6x7, 42).
  * @param[in]  v    Vector (7).
  * @param[out] out  Vector (6).
- * @aliasing out must not be an input.
+ * @par Aliasing
+ * out must not be an input.
  */
 QZ_API void QZ_Matrix67MultVect7(const double *M, const double *v, double *out);
 /**
@@ -466,7 +498,8 @@ QZ_API void QZ_Matrix67MultVect7(const double *M, const double *v, double *out);
  * @param[in]  M    Matrix (7x6, 42).
  * @param[in]  v    Vector (6).
  * @param[out] out  Vector (7).
- * @aliasing out must not be an input.
+ * @par Aliasing
+ * out must not be an input.
  */
 QZ_API void QZ_Matrix76MultVect6(const double *M, const double *v, double *out);
 /**
@@ -474,7 +507,8 @@ QZ_API void QZ_Matrix76MultVect6(const double *M, const double *v, double *out);
  * @param[in]  T    Transform (4x4, 16); only its upper-left 3-by-3 block is read.
  * @param[in]  v    Vector (3).
  * @param[out] out  Vector (3).
- * @aliasing out must not be an input.
+ * @par Aliasing
+ * out must not be an input.
  */
 QZ_API void QZ_MVmult43(const double *T, const double *v, double *out);
 /**
@@ -482,7 +516,8 @@ QZ_API void QZ_MVmult43(const double *T, const double *v, double *out);
  * @param[in]  v    Vector (6).
  * @param[in]  M    Matrix (6x6, 36).
  * @param[out] out  Vector (6).
- * @aliasing out must not be an input.
+ * @par Aliasing
+ * out must not be an input.
  */
 QZ_API void QZ_VMmult1666(const double *v, const double *M, double *out);
 /**
@@ -490,7 +525,8 @@ QZ_API void QZ_VMmult1666(const double *v, const double *M, double *out);
  * @param[in]  v    Vector (7).
  * @param[in]  M    Matrix (7x7, 49).
  * @param[out] out  Vector (7).
- * @aliasing out must not be an input.
+ * @par Aliasing
+ * out must not be an input.
  */
 QZ_API void QZ_VMmult1777(const double *v, const double *M, double *out);
 
@@ -503,7 +539,8 @@ QZ_API void QZ_VMmult1777(const double *v, const double *M, double *out);
  * @param[in]  cols  Column count; <= 0 writes nothing.
  * @param[in]  B     Row pointers (rows), each to cols elements; only read.
  * @param[out] Out   Row pointers (rows), each to cols elements, which receive the sum.
- * @aliasing Out may be A or B.
+ * @par Aliasing
+ * Out may be A or B.
  */
 QZ_API void QZ_MatrixAddX(double *const *A, int32_t rows, int32_t cols, double *const *B,
                           double *const *Out);
@@ -513,7 +550,8 @@ QZ_API void QZ_MatrixAddX(double *const *A, int32_t rows, int32_t cols, double *
  * @param[in]  rows  Row count of A; <= 0 writes nothing.
  * @param[in]  cols  Column count of A; <= 0 writes nothing.
  * @param[out] B     Row pointers (cols), each to rows elements, which receive the transpose.
- * @aliasing B must not share storage with A.
+ * @par Aliasing
+ * B must not share storage with A.
  */
 QZ_API void QZ_MatrixTransposeXX(double *const *A, int32_t rows, int32_t cols, double *const *B);
 /**
@@ -524,7 +562,8 @@ QZ_API void QZ_MatrixTransposeXX(double *const *A, int32_t rows, int32_t cols, d
  * @param[in]  B    Row pointers (m), each to p elements; only read.
  * @param[in]  p    Columns of B and Out; p <= 0 writes nothing.
  * @param[out] Out  Row pointers (n), each to p elements, which receive the product.
- * @aliasing Out must not share storage with A or B.
+ * @par Aliasing
+ * Out must not share storage with A or B.
  */
 QZ_API void QZ_MatrixMultXmX(double *const *A, int32_t n, int32_t m, double *const *B, int32_t p,
                              double *const *Out);
@@ -535,7 +574,8 @@ QZ_API void QZ_MatrixMultXmX(double *const *A, int32_t n, int32_t m, double *con
  * @param[in]  m    Columns of M; m <= 0 gives zeros.
  * @param[in]  v    Vector (m).
  * @param[out] out  Vector (n).
- * @aliasing out must not be an input.
+ * @par Aliasing
+ * out must not be an input.
  */
 QZ_API void QZ_MatrixMultVectX(double *const *M, int32_t n, int32_t m, const double *v,
                                double *out);
@@ -550,7 +590,8 @@ QZ_API void QZ_MatrixMultVectX(double *const *M, int32_t n, int32_t m, const dou
  * pivoting.
  * @param[in]  A     Matrix (n*n); never written.
  * @param[out] Ainv  Matrix (n*n), the inverse; unwritten on failure.
- * @aliasing Ainv may be A.
+ * @par Aliasing
+ * Ainv may be A.
  * @retval 1 inverted.
  * @retval 0 a pivot column's largest |value| is at most 1e-16 (absolute, not scaled); Ainv
  * unwritten.
@@ -570,7 +611,8 @@ QZ_API uint8_t QZ_MatrixInv8(const double *A, double *Ainv);
  * @param[in]  T     Transform (16); its last row is not read.
  * @param[out] Tinv  Transform (16), the inverse; last row (0, 0, 0, 1) whatever T's last row
  *                   holds.
- * @aliasing Tinv must not share storage with T.
+ * @par Aliasing
+ * Tinv must not share storage with T.
  * @return 1, always.
  */
 QZ_API uint8_t QZ_PGMatrixInv(const double *T, double *Tinv);
@@ -611,7 +653,8 @@ QZ_API int32_t QZ_MatLUPD(double *const *A, int32_t m, int32_t n, int32_t *P);
  * @param[in]  P   Array of n + 1: the permutation from QZ_MatLUPD; not modified.
  * @param[in]  b   Vector (n), the right-hand side.
  * @param[out] x   Vector (n), the solution.
- * @aliasing x must not share storage with b.
+ * @par Aliasing
+ * x must not share storage with b.
  */
 QZ_API void QZ_LUPSolveEq(double *const *LU, int32_t n, const int32_t *P, const double *b, double *x);
 /**
@@ -632,7 +675,8 @@ QZ_API double QZ_MatLUPDet(double *const *LU, int32_t n, const int32_t *P);
  * @param[in]  n    Size; n <= 0 writes nothing.
  * @param[in]  P    Array of n + 1: the permutation from QZ_MatLUPD.
  * @param[out] Inv  Row pointers (n), each to n elements, which receive the inverse.
- * @aliasing the rows of Inv must not share storage with the rows of LU.
+ * @par Aliasing
+ * the rows of Inv must not share storage with the rows of LU.
  */
 QZ_API void QZ_MatLUPInv(double *const *LU, int32_t n, const int32_t *P, double *const *Inv);
 
@@ -650,7 +694,8 @@ QZ_API void QZ_MatLUPInv(double *const *LU, int32_t n, const int32_t *P, double 
  * entries near 1e-9 already fail).
  * @param[in]  A      Matrix (7x6, 42).
  * @param[out] Apinv  Matrix (6x7, 42); not written on failure.
- * @aliasing Apinv may be A (the input is read before the output is written).
+ * @par Aliasing
+ * Apinv may be A (the input is read before the output is written).
  * @retval 1 done.
  * @retval 0 A^T A is singular; Apinv not written.
  */
@@ -663,7 +708,8 @@ QZ_API uint8_t QZ_LeftPsoInv76(const double *A, double *Apinv);
  * entries near 1e-9 already fail).
  * @param[in]  A      Matrix (6x7, 42).
  * @param[out] Apinv  Matrix (7x6, 42); not written on failure.
- * @aliasing Apinv may be A (the input is read before the output is written).
+ * @par Aliasing
+ * Apinv may be A (the input is read before the output is written).
  * @retval 1 done.
  * @retval 0 A A^T is singular; Apinv not written.
  */
@@ -679,7 +725,8 @@ QZ_API uint8_t QZ_RightPsoInv67(const double *A, double *Apinv);
  * @param[out] L  Matrix (6x6, 36), row stride 6: the factor, positive diagonal, zeros written
  *                above it.
  * @param[in]  n  Block size, 1..6.
- * @aliasing L may be A (column j of A is read before column j of L is written).
+ * @par Aliasing
+ * L may be A (column j of A is read before column j of L is written).
  * @retval 0 factorized; also, writing nothing, for n < 1.
  * @retval -1 at the first column whose reduced diagonal is <= 0, the earlier columns of L
  * complete and the rest not written; also for n above 6 (outside the storage), nothing written.
@@ -691,7 +738,8 @@ QZ_API int32_t Cholesky(const double *A, double *L, int32_t n);
  * @param[out] L  Matrix (7x7, 49), row stride 7: the factor, positive diagonal, zeros written
  *                above it.
  * @param[in]  n  Block size, 1..7.
- * @aliasing L may be A.
+ * @par Aliasing
+ * L may be A.
  * @retval 0 factorized; also, writing nothing, for n < 1.
  * @retval -1 at the first column whose reduced diagonal is <= 0, the earlier columns of L
  * complete and the rest not written; also for n above 7, nothing written.
@@ -741,7 +789,8 @@ QZ_API double VMV(const double *v, const double *M, int32_t n);
  *                     eigenvalues on its diagonal (small residues off it).
  * @param[out]    V    Matrix (n*n): column k is the unit eigenvector of A[k][k].
  * @param[in]     eps  Stopping threshold, > 0.
- * @aliasing V must not share storage with A.
+ * @par Aliasing
+ * V must not share storage with A.
  * @retval 1 done.
  * @retval 0 rejected, a rotation undefined, or the rotation cap reached (see above).
  */
@@ -752,7 +801,8 @@ QZ_API uint8_t eig(int32_t n, double *A, double *V, double eps);
  *                     diagonal.
  * @param[out]    V    Matrix (7x7, 49): column k is the unit eigenvector of A[k][k].
  * @param[in]     eps  Stopping threshold, > 0.
- * @aliasing V must not share storage with A.
+ * @par Aliasing
+ * V must not share storage with A.
  * @retval 1 done.
  * @retval 0 as for eig.
  */
@@ -769,7 +819,8 @@ QZ_API uint8_t eig7(double *A, double *V, double eps);
  * @param[in]  B       Matrix (6x6, 36), symmetric positive definite; not written.
  * @param[out] V       Matrix (6x6, 36): the eigenvectors as columns; not written on failure.
  * @param[out] lambda  Vector (6): the eigenvalues; not written on failure.
- * @aliasing V and lambda must not share storage with A, B or each other.
+ * @par Aliasing
+ * V and lambda must not share storage with A, B or each other.
  * @retval 1 done.
  * @retval 0 B is not positive definite, its factor is singular (pivot <= 1e-16) or eig of K
  * fails (eps not > 0, an entry not finite or beyond 1e150, an undefined rotation, the rotation
@@ -780,13 +831,15 @@ QZ_API uint8_t generalized_eig(double eps, const double *A, const double *B, dou
 /**
  * @brief As generalized_eig on 7-by-7 arrays, in eig7's order.
  *
- * lambda[i] = K[i][i] and V = L^-T W in eig7's order, no sign change. Reentrant, like every other function here: its work arrays live on the stack.
+ * lambda[i] = K[i][i] and V = L^-T W in eig7's order, no sign change. Reentrant, like every
+ * other function here: its work arrays live on the stack.
  * @param[in]  eps     Stopping threshold of eig7, > 0.
  * @param[in]  A       Matrix (7x7, 49), symmetric; not written.
  * @param[in]  B       Matrix (7x7, 49), symmetric positive definite; not written.
  * @param[out] V       Matrix (7x7, 49): the eigenvectors as columns; not written on failure.
  * @param[out] lambda  Vector (7): the eigenvalues; not written on failure.
- * @aliasing V and lambda must not share storage with A, B or each other.
+ * @par Aliasing
+ * V and lambda must not share storage with A, B or each other.
  * @retval 1 done.
  * @retval 0 as for generalized_eig.
  */
@@ -836,7 +889,8 @@ QZ_API void QZ_ZYZ2Matrix(double a, double b, double c, double *r);
  * (0, pi, pi) whose matrix is not r. Test b > pi - 0.5 degree yourself.
  * @param[in]  r    Rotation matrix (9).
  * @param[out] abc  Angles (3): a, b, c (rad).
- * @aliasing abc must not overlap r.
+ * @par Aliasing
+ * abc must not overlap r.
  * @retval 1 done.
  * @retval 0 |b| < 0.5 degree: a = 0, c = atan2(-r01, r00) (the whole z turn), b written.
  */
@@ -845,7 +899,8 @@ QZ_API uint32_t QZ_Matrix2ZYZ(const double *r, double *abc);
  * @brief As QZ_Matrix2ZYZ for the rotation block of a transform.
  * @param[in]  t    Transform (16).
  * @param[out] abc  Angles (3): a, b, c (rad).
- * @aliasing abc must not overlap t.
+ * @par Aliasing
+ * abc must not overlap t.
  * @retval 1 done.
  * @retval 0 |b| < 0.5 degree, as for QZ_Matrix2ZYZ.
  */
@@ -856,7 +911,8 @@ QZ_API uint32_t QZ_Matrix42ZYZ(const double *t, double *abc);
  * At cos B = 0 (to 1e-16) C = 0 and A = A - C (B = pi/2) or A + C (B = -pi/2).
  * @param[in]  r    Rotation matrix (9).
  * @param[out] abc  Angles (3): A, B, C (rad).
- * @aliasing abc must not overlap r.
+ * @par Aliasing
+ * abc must not overlap r.
  * @return 1, always.
  */
 QZ_API uint32_t QZ_Matrix2XYZ(const double *r, double *abc);
@@ -864,7 +920,8 @@ QZ_API uint32_t QZ_Matrix2XYZ(const double *r, double *abc);
  * @brief As QZ_Matrix2XYZ for the rotation block of a transform.
  * @param[in]  t    Transform (16).
  * @param[out] abc  Angles (3): A, B, C (rad).
- * @aliasing abc must not overlap t.
+ * @par Aliasing
+ * abc must not overlap t.
  * @return 1, always.
  */
 QZ_API uint32_t QZ_Matrix42XYZ(const double *t, double *abc);
@@ -872,21 +929,24 @@ QZ_API uint32_t QZ_Matrix42XYZ(const double *t, double *abc);
  * @brief Transform of an XYZABC pose with angles in radians; bottom row 0, 0, 0, 1.
  * @param[in]  pose  XYZABC pose (6): x, y, z, A, B, C (rad).
  * @param[out] t     Transform (16).
- * @aliasing t must not overlap pose.
+ * @par Aliasing
+ * t must not overlap pose.
  */
 QZ_API void QZ_XYZABC2Matrix4ARC(const double *pose, double *t);
 /**
  * @brief Transform of an XYZABC pose with angles in degrees; bottom row 0, 0, 0, 1.
  * @param[in]  pose  XYZABC pose (6): x, y, z, A, B, C (degrees).
  * @param[out] t     Transform (16).
- * @aliasing t must not overlap pose.
+ * @par Aliasing
+ * t must not overlap pose.
  */
 QZ_API void QZ_XYZABC2Matrix4DEG(const double *pose, double *t);
 /**
  * @brief Pose of a transform: position and ZYZ angles in radians.
  * @param[in]  t     Transform (16).
  * @param[out] pose  Pose (6): x, y, z, a, b, c (rad).
- * @aliasing pose must not overlap t.
+ * @par Aliasing
+ * pose must not overlap t.
  * @retval 1 done.
  * @retval 0 the singular ZYZ branch: only pose[3..5] written (a = 0), pose[0..2] left as they
  * were.
@@ -896,7 +956,8 @@ QZ_API uint32_t QZ_Matrix2XYZABC4ARC_ZYZ(const double *t, double *pose);
  * @brief As QZ_Matrix2XYZABC4ARC_ZYZ with the angles in degrees.
  * @param[in]  t     Transform (16).
  * @param[out] pose  Pose (6): x, y, z, a, b, c (degrees).
- * @aliasing pose must not overlap t.
+ * @par Aliasing
+ * pose must not overlap t.
  * @retval 1 done.
  * @retval 0 the singular branch: pose[4..5] stay in radians and pose[0..2] are left as they
  * were.
@@ -906,7 +967,8 @@ QZ_API uint32_t QZ_Matrix2XYZABC4DEG_ZYZ(const double *t, double *pose);
  * @brief Pose of a transform: position and XYZ angles in DEGREES (despite the name).
  * @param[in]  t     Transform (16).
  * @param[out] pose  Pose (6): x, y, z, A, B, C (degrees).
- * @aliasing pose must not overlap t.
+ * @par Aliasing
+ * pose must not overlap t.
  * @return 1, always.
  */
 QZ_API uint32_t QZ_Matrix2XYZABC4ARC_XYZ(const double *t, double *pose);
@@ -914,7 +976,8 @@ QZ_API uint32_t QZ_Matrix2XYZABC4ARC_XYZ(const double *t, double *pose);
  * @brief Pose of a transform: position and XYZ angles in RADIANS (despite the name).
  * @param[in]  t     Transform (16).
  * @param[out] pose  Pose (6): x, y, z, A, B, C (rad).
- * @aliasing pose must not overlap t.
+ * @par Aliasing
+ * pose must not overlap t.
  * @return 1, always.
  */
 QZ_API uint32_t QZ_Matrix2XYZABC4DEG_XYZ(const double *t, double *pose);
@@ -922,7 +985,8 @@ QZ_API uint32_t QZ_Matrix2XYZABC4DEG_XYZ(const double *t, double *pose);
  * @brief Rotation matrix of XYZ angles in radians.
  * @param[in]  abc  Angles (3): A, B, C (rad).
  * @param[out] r    Rotation matrix (9).
- * @aliasing r must not overlap abc.
+ * @par Aliasing
+ * r must not overlap abc.
  * @return 1, always.
  */
 QZ_API uint32_t QZ_ABC2Matrix3ARC(const double *abc, double *r);
@@ -930,7 +994,8 @@ QZ_API uint32_t QZ_ABC2Matrix3ARC(const double *abc, double *r);
  * @brief Rotation matrix of XYZ angles in degrees.
  * @param[in]  abc  Angles (3): A, B, C (degrees).
  * @param[out] r    Rotation matrix (9).
- * @aliasing r must not overlap abc.
+ * @par Aliasing
+ * r must not overlap abc.
  * @return 1, always.
  */
 QZ_API uint32_t QZ_ABC2Matrix3DEG(const double *abc, double *r);
@@ -940,14 +1005,16 @@ QZ_API uint32_t QZ_ABC2Matrix3DEG(const double *abc, double *r);
  * @param[in]  c    Cosine of the angle (not normalised with s).
  * @param[in]  s    Sine of the angle.
  * @param[out] out  Transform (16): the position kept, the bottom row set to 0, 0, 0, 1.
- * @aliasing out must not overlap t.
+ * @par Aliasing
+ * out must not overlap t.
  */
 QZ_API void QZ_XYZMRot(const double *t, double c, double s, double *out);
 /**
  * @brief Rotation matrix of XYZ angles in degrees; the same matrix as QZ_ABC2Matrix3DEG.
  * @param[in]  abc  Angles (3): A, B, C (degrees).
  * @param[out] r    Rotation matrix (9).
- * @aliasing r must not overlap abc.
+ * @par Aliasing
+ * r must not overlap abc.
  */
 QZ_API void QZ_CALC_TRANS_FROM_Rotxyz(const double *abc, double *r);
 
@@ -968,14 +1035,16 @@ QZ_API void QZ_DH2Matrix(double alpha, double a, double d, double theta, double 
  * @brief Cross-product matrix of a 3-vector: s * x = v x x.
  * @param[in]  v  Vector (3).
  * @param[out] s  Matrix (3x3, 9).
- * @aliasing s must not overlap v.
+ * @par Aliasing
+ * s must not overlap v.
  */
 QZ_API void QZ_Skew(const double *v, double *s);
 /**
  * @brief Matrix l (3x6) with l * (Ixx, Ixy, Ixz, Iyy, Iyz, Izz) = I * v for a symmetric I.
  * @param[in]  v  Vector (3).
  * @param[out] l  Matrix (3x6, 18).
- * @aliasing l must not overlap v.
+ * @par Aliasing
+ * l must not overlap v.
  */
 QZ_API void QZ_LOperator(const double *v, double *l);
 /**
@@ -988,7 +1057,8 @@ QZ_API void QZ_LOperator(const double *v, double *l);
  * @param[in,out] d2  Direction (3) of the second line; normalised in place (a zero one is left
  *                    as it was).
  * @param[out]    x   Point (3): the crossing; unwritten on failure.
- * @aliasing x must not overlap an input.
+ * @par Aliasing
+ * x must not overlap an input.
  * @retval 1 done.
  * @retval 0 parallel lines (same way within about 2e-4 rad, opposite within about 1e-8 rad) or a
  * zero direction; x unwritten.
@@ -1003,7 +1073,8 @@ QZ_API uint32_t QZ_LineCross(const double *p1, double *d1, const double *p2, dou
  * @param[in]  cols  Columns; cols < 1 copies v.
  * @param[in]  x     Vector (cols).
  * @param[out] out   Vector (n).
- * @aliasing out may be v.
+ * @par Aliasing
+ * out may be v.
  */
 QZ_API void QZ_VectAddMV(const double *v, double *const *m, int32_t n, int32_t cols,
                          const double *x, double *out);
@@ -1020,7 +1091,8 @@ QZ_API void QZ_VectAddMV(const double *v, double *const *m, int32_t n, int32_t c
  * @param[in]  J    Jacobian (6x6, 36).
  * @param[in]  R    Rotation matrix (9).
  * @param[out] out  Jacobian (6x6, 36).
- * @aliasing out may be J.
+ * @par Aliasing
+ * out may be J.
  */
 QZ_API void QZ_JACOB_TRAN_T66(const double *J, const double *R, double *out);
 /**
@@ -1028,7 +1100,8 @@ QZ_API void QZ_JACOB_TRAN_T66(const double *J, const double *R, double *out);
  * @param[in]  J    Jacobian (6x7, 42).
  * @param[in]  R    Rotation matrix (9).
  * @param[out] out  Jacobian (6x7, 42).
- * @aliasing out may be J.
+ * @par Aliasing
+ * out may be J.
  */
 QZ_API void QZ_JACOB_TRAN_T67(const double *J, const double *R, double *out);
 /**
@@ -1036,14 +1109,16 @@ QZ_API void QZ_JACOB_TRAN_T67(const double *J, const double *R, double *out);
  * @param[in]  J    Jacobian (6x7, 42).
  * @param[in]  R    Rotation matrix (9).
  * @param[out] out  Jacobian (6x7, 42).
- * @aliasing out must not overlap J.
+ * @par Aliasing
+ * out must not overlap J.
  */
 QZ_API void QZ_JACOBI_TRANS_T67(const double *J, const double *R, double *out);
 /**
  * @brief Transpose B (7x6) of A (6x7).
  * @param[in]  A  Matrix (6x7, 42).
  * @param[out] B  Matrix (7x6, 42).
- * @aliasing B must not overlap A.
+ * @par Aliasing
+ * B must not overlap A.
  */
 QZ_API void Mat67Transpose(const double *A, double *B);
 /**
@@ -1051,7 +1126,8 @@ QZ_API void Mat67Transpose(const double *A, double *B);
  * @param[in]  M  Matrix (6x7, 42).
  * @param[in]  x  Vector (7).
  * @param[out] y  Vector (6).
- * @aliasing y must not overlap M or x.
+ * @par Aliasing
+ * y must not overlap M or x.
  */
 QZ_API void MVmult677(const double *M, const double *x, double *y);
 

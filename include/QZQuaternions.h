@@ -35,7 +35,8 @@ extern "C" {
  * @param[in]  a    Quaternion (4), the left factor.
  * @param[in]  b    Quaternion (4), the right factor.
  * @param[out] out  Quaternion (4), the product.
- * @aliasing out may be a or b.
+ * @par Aliasing
+ * out may be a or b.
  */
 QZ_API void QZ_QuatMult(const double *a, const double *b, double *out);
 /**
@@ -55,14 +56,16 @@ QZ_API double QZ_QuaternionSqrtNorm(const double *q);
  * @brief Conjugate quaternion, out = (-x, -y, -z, w).
  * @param[in]  q    Quaternion (4).
  * @param[out] out  Quaternion (4), the conjugate.
- * @aliasing out may be q.
+ * @par Aliasing
+ * out may be q.
  */
 QZ_API void QZ_QuaternionConjugate(const double *q, double *out);
 /**
  * @brief Unit inverse rotation: the conjugate of q divided by |q| (not q^-1 unless |q| = 1).
  * @param[in]  q    Quaternion (4).
  * @param[out] out  Quaternion (4); unwritten on failure.
- * @aliasing out may be q.
+ * @par Aliasing
+ * out may be q.
  * @retval 1 done.
  * @retval 0 a length not above 1e-9 (or NaN); out unwritten.
  */
@@ -70,9 +73,9 @@ QZ_API uint32_t QZ_QuaternionInverse(const double *q, double *out);
 /**
  * @brief Angle in degrees of the shorter rotation between two unit quaternions.
  *
- * q and -q are the same orientation. |q1 . q2| is clamped to 0.9999999999, so equal orientations give the minimum, not 0, and every
- * angle below 2.83e-5 rad reads as that minimum: not a fine convergence test (the vector part of
- * q1 (x) q2^-1 resolves ~1e-16 rad).
+ * q and -q are the same orientation. |q1 . q2| is clamped to 0.9999999999, so equal
+ * orientations give the minimum, not 0, and every angle below 2.83e-5 rad reads as that minimum:
+ * not a fine convergence test (the vector part of q1 (x) q2^-1 resolves ~1e-16 rad).
  * @param[in] q1  Quaternion (4), taken as unit length (not normalised).
  * @param[in] q2  Quaternion (4), taken as unit length (not normalised).
  * @return The angle (degrees), in [0.0016205694361395497, 180].
@@ -98,7 +101,8 @@ QZ_API double QZ_QuaternionAngleArc(const double *q1, const double *q2);
  * in the others. A matrix that is not a rotation may give NaN.
  * @param[in]  r  Rotation matrix (9, row-major).
  * @param[out] q  Quaternion (4).
- * @aliasing q must not overlap r.
+ * @par Aliasing
+ * q must not overlap r.
  */
 QZ_API void QZ_Matrix2Quaternion3(const double *r, double *q);
 /**
@@ -106,14 +110,16 @@ QZ_API void QZ_Matrix2Quaternion3(const double *r, double *q);
  * read).
  * @param[in]  m  Transform (16, row-major).
  * @param[out] q  Quaternion (4).
- * @aliasing q must not overlap m.
+ * @par Aliasing
+ * q must not overlap m.
  */
 QZ_API void QZ_Matrix2Quaternion4(const double *m, double *q);
 /**
  * @brief 3x3 rotation matrix of a quaternion taken to be of unit length.
  * @param[in]  q  Quaternion (4).
  * @param[out] r  Rotation matrix (9, row-major).
- * @aliasing r must not overlap q.
+ * @par Aliasing
+ * r must not overlap q.
  */
 QZ_API void QZ_Quaternion2Matrix3(const double *q, double *r);
 /**
@@ -121,14 +127,16 @@ QZ_API void QZ_Quaternion2Matrix3(const double *q, double *r);
  * included.
  * @param[in]  q  Quaternion (4), taken as unit length.
  * @param[out] m  Matrix (16, row-major); element 15 is 0.
- * @aliasing m must not overlap q.
+ * @par Aliasing
+ * m must not overlap q.
  */
 QZ_API void QZ_Quaternion2Matrix4(const double *q, double *m);
 /**
  * @brief PosQuat pose of a 4x4 transform: its position, then QZ_Matrix2Quaternion4 of it.
  * @param[in]  m     Transform (16, row-major).
  * @param[out] pose  PosQuat pose (7): x, y, z, qx, qy, qz, qw.
- * @aliasing pose must not overlap m.
+ * @par Aliasing
+ * pose must not overlap m.
  */
 QZ_API void QZ_Matrix2PosQuat(const double *m, double *pose);
 /**
@@ -137,7 +145,8 @@ QZ_API void QZ_Matrix2PosQuat(const double *m, double *pose);
  * @param[in,out] pose  PosQuat pose (7); its quaternion is normalised in place (left as it was
  *                      when its length is <= 1e-16).
  * @param[out]    m     Transform (16, row-major), bottom row 0, 0, 0, 1.
- * @aliasing m must not overlap pose.
+ * @par Aliasing
+ * m must not overlap pose.
  * @return 1.
  */
 QZ_API uint32_t QZ_PosQuat2Matrix_UnNorm(double *pose, double *m);
@@ -146,7 +155,8 @@ QZ_API uint32_t QZ_PosQuat2Matrix_UnNorm(double *pose, double *m);
  * 1.
  * @param[in]  pose  PosQuat pose (7): x, y, z, qx, qy, qz, qw.
  * @param[out] m     Transform (16, row-major).
- * @aliasing m must not overlap pose.
+ * @par Aliasing
+ * m must not overlap pose.
  */
 QZ_API void QZ_PosQuat2Matrix(const double *pose, double *m);
 /**
@@ -189,7 +199,8 @@ typedef struct QZSlerpFactorState {
  * @param[in]     t    Fraction: 0 gives q1, 1 gives q2 (as possibly negated); outside [0, 1]
  *                     extrapolates.
  * @param[out]    out  Quaternion (4), the interpolated orientation.
- * @aliasing out must not overlap q1 or q2.
+ * @par Aliasing
+ * out must not overlap q1 or q2.
  */
 QZ_API void QZ_QuatSlerp(const double *q1, double *q2, double t, double *out);
 /**
@@ -203,7 +214,8 @@ QZ_API void QZ_QuatSlerp(const double *q1, double *q2, double t, double *out);
  * @param[in]  t    Fraction: 0 gives q1, 1 gives q2 (as possibly negated); outside [0, 1]
  *                  extrapolates.
  * @param[out] out  Quaternion (4), the interpolated orientation.
- * @aliasing out must not overlap q1 or q2.
+ * @par Aliasing
+ * out must not overlap q1 or q2.
  */
 QZ_API void QZ_QuatSlerpL(const double *q1, const double *q2, double t, double *out);
 /**
@@ -215,7 +227,8 @@ QZ_API void QZ_QuatSlerpL(const double *q1, const double *q2, double t, double *
  * @param[in]     t      Fraction: 0 gives q1, 1 gives q2; outside [0, 1] extrapolates.
  * @param[out]    out    Quaternion (4), the interpolated orientation.
  * @param[in,out] state  Cached angle of the pair; filled by the first call.
- * @aliasing out must not overlap q1 or q2.
+ * @par Aliasing
+ * out must not overlap q1 or q2.
  */
 QZ_API void QZ_QuatSlerpFactor(const double *q1, double *q2, double t, double *out,
                                QZSlerpFactorState *state);
@@ -227,7 +240,8 @@ QZ_API void QZ_QuatSlerpFactor(const double *q1, double *q2, double t, double *o
  * @param[in]     t      Fraction: 0 gives q1, 1 gives q2; outside [0, 1] extrapolates.
  * @param[out]    out    Quaternion (4), the interpolated orientation.
  * @param[in,out] state  Cached angle of the pair; filled by the first call.
- * @aliasing out must not overlap q1 or q2.
+ * @par Aliasing
+ * out must not overlap q1 or q2.
  */
 QZ_API void QZ_QuatSlerpFactorL(const double *q1, double *q2, double t, double *out,
                                 QZSlerpFactorState *state);
@@ -251,7 +265,8 @@ QZ_API int32_t QZ_QuatSlerpDir(const double *q1, const double *q2, const double 
  * @param[in]  r  Rotation vector (3): unit axis times angle (rad); shorter than 1e-10 gives the
  *                identity.
  * @param[out] R  Rotation matrix (9, row-major).
- * @aliasing R must not overlap r.
+ * @par Aliasing
+ * R must not overlap r.
  */
 QZ_API void axis_angle_to_rotmat(const double *r, double *R);
 /**
@@ -267,7 +282,8 @@ QZ_API void axis_angle_to_rotmat(const double *r, double *R);
  * k is not renormalised. A symmetric half-turn matrix thus gives pi * k, not the zero vector.
  * @param[in]  R  Rotation matrix (9, row-major).
  * @param[out] r  Rotation vector (3): axis times angle (rad).
- * @aliasing r must not overlap R.
+ * @par Aliasing
+ * r must not overlap R.
  */
 QZ_API void rotmat_to_axis_angle(const double *R, double *r);
 /**
@@ -277,7 +293,8 @@ QZ_API void rotmat_to_axis_angle(const double *R, double *r);
  * @param[in]  r1   Rotation vector (3, rad), applied second.
  * @param[in]  r2   Rotation vector (3, rad), applied first.
  * @param[out] out  Rotation vector (3, rad) of the composition.
- * @aliasing out must not overlap r1 or r2.
+ * @par Aliasing
+ * out must not overlap r1 or r2.
  */
 QZ_API void AngleMult(const double *r1, const double *r2, double *out);
 /**
@@ -286,7 +303,8 @@ QZ_API void AngleMult(const double *r1, const double *r2, double *out);
  * @param[in]  Ra   Rotation matrix (9, row-major) of orientation a.
  * @param[in]  Rb   Rotation matrix (9, row-major) of orientation b.
  * @param[out] out  Rotation matrix (9, row-major).
- * @aliasing out must not overlap Ra or Rb.
+ * @par Aliasing
+ * out must not overlap Ra or Rb.
  */
 QZ_API void relative_rotation(const double *Ra, const double *Rb, double *out);
 /**
@@ -294,7 +312,8 @@ QZ_API void relative_rotation(const double *Ra, const double *Rb, double *out);
  * @param[in]  r1   Rotation vector (3, rad) of orientation a.
  * @param[in]  r2   Rotation vector (3, rad) of orientation b.
  * @param[out] out  Rotation vector (3, rad) from a to b, in frame a.
- * @aliasing out must not overlap r1 or r2.
+ * @par Aliasing
+ * out must not overlap r1 or r2.
  */
 QZ_API void relative_Angle(const double *r1, const double *r2, double *out);
 
