@@ -8,3 +8,5 @@ QZ_TEST_PACKAGES="$QZ_TEST_PACKAGES python3 python3-pytest python3-matplotlib"
 QZ_DETERMINISM_PACKAGES="$QZ_BUILD_PACKAGES clang g++-aarch64-linux-gnu qemu-user"
 # Motion-profile plots of the tracker examples (scripts/plots.sh).
 QZ_PLOT_PACKAGES="gnuplot-nox"
+# API reference: Doxygen renders the header comments, Python writes the index (scripts/docs-api.sh).
+QZ_DOCS_PACKAGES="doxygen python3"
