@@ -4,6 +4,12 @@ function(qz_public_functions out)
   set(names "")
   foreach(h ${ARGN})
     file(READ ${h} text)
+    # Comments and preprocessor lines never declare anything: drop them first (the markers $ and
+    # ` stand for the comment delimiters, which CMake's regular expressions cannot match lazily).
+    string(REPLACE "/*" "$" text "${text}")
+    string(REPLACE "*/" "`" text "${text}")
+    string(REGEX REPLACE "[$][^`]*`" " " text "${text}")
+    string(REGEX REPLACE "//[^\n]*" "" text "${text}")
     string(REGEX REPLACE "#[^\n]*" "" text "${text}")
     string(REGEX MATCHALL "QZ_API[^;{(]*[ \t\n*]([A-Za-z_][A-Za-z_0-9]*)[ \t\n]*\\(" decls "${text}")
     foreach(d ${decls})
