@@ -318,7 +318,8 @@ TEST(Soak, EstimatorStaysFiniteBoundedAndComesToRest) {
 }
 
 // The moving average matches a fresh sum over its window and lands on a fixed input; the
-// smoothed value steps within stepMax, never away from its target, and lands on it.
+// smoothed value steps within stepMax (and, until it lands, by at least stepMin), never away from
+// its target, and lands on it.
 TEST(Soak, FiltersTrackTheirWindowAndReachFixedInputs) {
     auto rng = qztest::Rng();
     const std::int64_t budget = Budget(0.1);
@@ -361,6 +362,7 @@ TEST(Soak, FiltersTrackTheirWindowAndReachFixedInputs) {
             QZSMV_OnUpdateV(&m, target, &y);
             ASSERT_LE(std::fabs(y - before), m.stepMax * (1 + 1e-12) + 1e-15);
             ASSERT_LE(std::fabs(y - target), std::fabs(before - target)) << "moved away from its target";
+            if (y != target) ASSERT_GE(std::fabs(y - before), m.stepMin * (1 - 1e-9)) << "step below stepMin";
         }
         EXPECT_EQ(m.value, target) << "smoothed value did not land on its target";
     }
