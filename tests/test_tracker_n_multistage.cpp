@@ -89,26 +89,31 @@ TEST(TrackerNMultistage, TargetJumpIsStrictAndSticky) {
 
 // All counters pass 1000 on the same call: axis 0 is re-summed then, axis 1 on the next call
 // and so on, through either step operation, each to the exact sum of its ring. On the way, an
-// aliased target and output array gives the same bits.
+// aliased target and output array gives the same bits, and the axis beyond the count stays
+// untouched.
 TEST(TrackerNMultistage, ResummationTakesOneAxisPerCallInOrder) {
     auto rng = qztest::Rng();
+    const int n = 7;
     double v[8], a[8], j[8], t[8], p[8];
     RandomAxes(rng, v, a, j, t);
     QZNSyncDTSMState s{}, alias{};
-    ASSERT_EQ(QZNSyncDTS_OnInitM(&s, 8, 1.0, v, a, j, 0), 1);
-    ASSERT_EQ(QZNSyncDTS_OnInitM(&alias, 8, 1.0, v, a, j, 0), 1);
+    ASSERT_EQ(QZNSyncDTS_OnInitM(&s, n, 1.0, v, a, j, 0), 1);
+    ASSERT_EQ(QZNSyncDTS_OnInitM(&alias, n, 1.0, v, a, j, 0), 1);
     for (int k = 0; k <= 1000; ++k) {
         double pa[8];
         std::memcpy(pa, k ? t : v, sizeof pa);
         QZNSyncDTS_OnDTM(&s, k ? t : v, p);
         QZNSyncDTS_OnDTM(&alias, pa, pa);  // the target array may be the output
-        for (int i = 0; i < 8; ++i) ASSERT_TRUE(SameBits(p[i], pa[i])) << k;
+        for (int i = 0; i < n; ++i) ASSERT_TRUE(SameBits(p[i], pa[i])) << k;
     }
-    for (int call = 0; call < 8; ++call) {
+    for (int call = 0; call < n; ++call) {
         ASSERT_EQ(call % 2 ? QZNSyncDTS_OnDT_UM(&s, p) : QZNSyncDTS_OnDTM(&s, t, p), 1);
-        for (int i = 0; i < 8; ++i) EXPECT_EQ(s.resumCount[i], i <= call ? call - i : 1001 + call) << call;
+        for (int i = 0; i < n; ++i) EXPECT_EQ(s.resumCount[i], i <= call ? call - i : 1001 + call) << call;
         EXPECT_TRUE(SameBits(s.avgSum[call], RingSum(s, call))) << call;
     }
+    EXPECT_EQ(s.rawPos[n], 0.0);
+    EXPECT_EQ(s.avgSum[n], 0.0);
+    EXPECT_EQ(s.resumCount[n], 0);
 }
 
 }  // namespace
