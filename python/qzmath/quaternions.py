@@ -125,7 +125,8 @@ class Slerp:
         """Quaternions at t (any shape): shape t.shape + (4,)."""
         ts = A.array(t, "t", (), batch=True)
         out = np.zeros(ts.shape + Q)
-        a, b, po, st = A.base(self._q1), A.base(self._q2), A.base(out), ctypes.addressof(self._state)
+        a, b, po = A.base(self._q1), A.base(self._q2), A.base(out)
+        st = ctypes.addressof(self._state)
         for i, x in enumerate(ts.ravel().tolist()):
             self._fn(a, b, x, po + 32 * i, st)
         return out

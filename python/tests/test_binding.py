@@ -124,7 +124,7 @@ def test_installs_into_a_clean_virtual_environment(tmp_path):
     subprocess.run([py, "-m", "pip", "install", "-q", "--no-build-isolation", "--no-index",
                     os.path.join(HERE, "..")], check=True, capture_output=True)
     env = {k: v for k, v in os.environ.items() if k not in ("QZMATH_LIB", "PYTHONPATH")}
-    out = subprocess.run([py, "-c", "import qzmath; print(qzmath.__file__); print(qzmath.LIBRARY_PATH)"],
-                         env=env, cwd=tmp_path, check=True, capture_output=True, text=True)
+    show = "import qzmath; print(qzmath.__file__); print(qzmath.LIBRARY_PATH)"
+    out = subprocess.run([py, "-c", show], env=env, cwd=tmp_path, check=True, capture_output=True, text=True)
     where, loaded = out.stdout.split()
     assert where.startswith(str(tmp_path / "venv")) and os.path.samefile(loaded, lib)
