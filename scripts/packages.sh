@@ -2,8 +2,11 @@
 QZ_BUILD_PACKAGES="g++ make cmake pkg-config"
 # Test framework and the peer libraries used as test and benchmark oracles.
 QZ_TEST_PACKAGES="$QZ_BUILD_PACKAGES libgtest-dev libbenchmark-dev libeigen3-dev libgsl-dev liborocos-kdl-dev"
-# The Python binding's tests, and the plots of its tuning example.
-QZ_TEST_PACKAGES="$QZ_TEST_PACKAGES python3 python3-pytest python3-matplotlib"
+# The Python binding: numpy at run time; setuptools, pip and venv to install it offline; pytest
+# for its tests, matplotlib for the plots of its tuning example. Debian's /usr/bin/python3 is the
+# interpreter these serve (another python3 first on PATH may lack them).
+QZ_PYTHON_PACKAGES="python3 python3-numpy python3-setuptools python3-pip python3-venv"
+QZ_TEST_PACKAGES="$QZ_TEST_PACKAGES $QZ_PYTHON_PACKAGES python3-pytest python3-matplotlib"
 # Determinism matrix: a second compiler, and an aarch64 cross-compiler with a user-mode emulator.
 QZ_DETERMINISM_PACKAGES="$QZ_BUILD_PACKAGES clang g++-aarch64-linux-gnu qemu-user"
 # Motion-profile plots of the tracker examples (scripts/plots.sh).

@@ -1,4 +1,5 @@
-// Averaging filter: refusal, priming and restart, exact window sums over long runs, aliasing.
+// Averaging filter: refusal, priming and restart. Long runs against a fresh window sum are the
+// soak's business.
 #include <cstring>
 
 #include "QZFLT.h"
@@ -37,37 +38,4 @@ TEST(Averaging, PrimesWithoutRampAndRestarts) {
     x = 5.0;
     QZAVGF_OnFilt(&s, &x, &avg, &d);
     EXPECT_TRUE(SameBits(avg, 5.0) && SameBits(d, 0.0));
-}
-
-// Long runs of a large offset plus noise against a literal re-run of the filter: the window sum
-// slides as (sum - oldest) + newest, and at every wrap it is replaced by the window re-summed from
-// 0.0 over that pass, so each output and rate matches bit for bit. The input doubles as the output.
-TEST(Averaging, LongRunsMatchALiteralSlidingSumReSummedAtEveryWrap) {
-    auto rng = qztest::Rng();
-    for (int32_t len : {1, 7, 100}) {
-        static QZAVGFState s;
-        ASSERT_EQ(QZAVGF_OnInit(&s, 3, len, 0.004), 1);
-        double ring[100], sum = 0.0, resum = 0.0, prev = 0.0;
-        for (int k = 0; k < 100000; ++k) {
-            double io[8], d[3];
-            for (double &v : io) v = 1e6 + qztest::Uniform(rng, -1.0, 1.0);
-            const double x = io[2], untouched = io[3];
-            QZAVGF_OnFilt(&s, io, io, d);
-            if (k == 0) {
-                for (int j = 0; j < len; ++j) ring[j] = x, sum += x;
-                resum = sum, prev = x;
-                ASSERT_TRUE(SameBits(io[2], x) && d[2] == 0.0);
-                continue;
-            }
-            const int i = (k - 1) % len;
-            if (i == 0) sum = resum, resum = 0.0;
-            resum += x;
-            sum = (sum - ring[i]) + x;
-            ring[i] = x;
-            const double avg = sum / len;
-            ASSERT_TRUE(SameBits(io[2], avg) && SameBits(d[2], (avg - prev) / 0.004)) << len << " " << k;
-            ASSERT_TRUE(SameBits(io[3], untouched));
-            prev = avg;
-        }
-    }
 }

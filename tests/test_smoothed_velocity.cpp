@@ -1,4 +1,5 @@
-// Smoothed velocity: parameter refusal, exact arrival in finitely many updates, the flags.
+// Smoothed velocity: parameter refusal, exact arrival, the flags. Arrival from anywhere with any
+// accepted parameters is the soak's business.
 #include <cmath>
 
 #include "QZFLT.h"
@@ -41,31 +42,6 @@ TEST(SmoothedVelocity, RampLandsExactlyAndSetsFlags) {
     EXPECT_TRUE(SameBits(v, 1.0) && SameBits(s.value, 1.0) && o == 1);
     for (int k = 0; k < 14; ++k) QZSMV_OnUpdateV(&s, 0.0, &v);
     EXPECT_TRUE(SameBits(v, 0.0) && s.isZero == 1 && s.isOne == 0);
-}
-
-// From anywhere, any accepted parameters reach the target exactly, moving monotonically by at
-// most stepMax and, until the last update, at least stepMin; then the value stays.
-TEST(SmoothedVelocity, ReachesAnyTargetInBoundedUpdates) {
-    auto rng = qztest::Rng();
-    for (int c = 0; c < 2000; ++c) {
-        QZSMVState s{};
-        const double lo = qztest::Uniform(rng, 1e-5, 0.05), hi = lo * qztest::Uniform(rng, 1, 20);
-        const double start = qztest::Uniform(rng, -2, 2), target = qztest::Uniform(rng, -2, 2);
-        ASSERT_EQ(QZSMV_OnInit(&s, start, qztest::Uniform(rng, 1e-9, 0.99), hi, lo), 1);
-        const int bound = static_cast<int>(std::fabs(target - start) / lo) + 1;
-        double v = start;
-        for (int n = 0; v != target; ++n) {
-            ASSERT_LT(n, bound) << "case " << c;
-            const double prev = v;
-            QZSMV_OnUpdateV(&s, target, &v);
-            const double step = std::fabs(v - prev);
-            ASSERT_LE(step, hi * (1 + 1e-12)) << c;
-            ASSERT_LE(std::fabs(target - v), std::fabs(target - prev)) << c;
-            if (v != target) ASSERT_GE(step, lo * (1 - 1e-9)) << c;
-        }
-        QZSMV_OnUpdateV(&s, target, &v);
-        ASSERT_EQ(v, target);
-    }
 }
 
 // Targets within stepMin are taken bit for bit (-0.0 included); the flag bands are open.

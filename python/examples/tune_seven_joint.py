@@ -3,19 +3,25 @@
 N-axis smoothed tracker) and reports, for each setting, how long the arm takes to settle on its
 target and the largest jerk any joint sees.
 
-    python3 tune_seven_joint.py                       # table, and tune_seven_joint.png
-    python3 tune_seven_joint.py --jerk-scales 0.5,1,2 --tracker multistage --out sweep.png
+    /usr/bin/python3 tune_seven_joint.py              # table, and tune_seven_joint.png
+    /usr/bin/python3 tune_seven_joint.py --jerk-scales 0.5,1,2 --tracker multistage --out sweep.png
 
 The PNG (velocity, acceleration and jerk of the slowest joint over time for each setting, and
-settle time against peak jerk) is written when matplotlib is installed (Debian:
-python3-matplotlib); the table is printed in every case. The library is found as the qzmath
-package finds it (QZMATH_LIB, the source tree's build directory, or the installed package).
+settle time against peak jerk) needs matplotlib and numpy in the interpreter that runs it: on
+Debian, `apt-get install python3-matplotlib python3-numpy` and run it with /usr/bin/python3.
+Without matplotlib it prints the table, says what is missing and exits with status 1 (--no-plot
+prints the table only). Run from a source tree it uses the tree's qzmath package, else the
+installed one; the library is found as that package finds it (docs/python.md).
 """
 import argparse
 import os
 import sys
+import warnings
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+_TREE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..")
+if os.path.isfile(os.path.join(_TREE, "qzmath", "__init__.py")):
+    sys.path.insert(0, _TREE)
+import numpy as np  # noqa: E402
 import qzmath  # noqa: E402
 
 # One arm, in degrees: per-joint limits, and a move from START to TARGET.
@@ -28,46 +34,43 @@ SETTLE_TOL = 1e-3  # deg
 
 
 def simulate(tracker, cycle_ms, jerk_scale, cycles):
-    """Runs the move; returns spans, time, and per cycle the positions, velocities and
-    accelerations of every joint."""
+    """Runs the move; returns spans, times, and the Path of positions, velocities and
+    accelerations, (cycles, 7) arrays."""
     jerk = [j * jerk_scale for j in JERK]
     if tracker == "multistage":
         arm = qzmath.SmoothedMultiStageTracker(cycle_ms, VEL, ACC, jerk, mode=0)
     else:
         arm = qzmath.SmoothedTracker(cycle_ms, VEL, ACC, jerk)
     arm.step(START)  # the first step puts the arm at rest where it is
-    frames = arm.run(TARGET, cycles)
-    dt = cycle_ms / 1000.0
-    return arm.spans, [dt * (k + 1) for k in range(cycles)], frames
+    path = arm.run(TARGET, cycles)
+    return arm.spans.tolist(), cycle_ms / 1000.0 * np.arange(1, cycles + 1), path
 
 
-def settle_time(times, frames):
+def settle_time(times, path):
     """First time from which every joint stays within SETTLE_TOL of its target."""
-    last_out = -1
-    for k, f in enumerate(frames):
-        if any(abs(p - t) > SETTLE_TOL for p, t in zip(f.pos, TARGET)):
-            last_out = k
+    out = np.flatnonzero((np.abs(path.pos - TARGET) > SETTLE_TOL).any(axis=1))
+    last_out = out[-1] if len(out) else -1
     return times[last_out + 1] if last_out + 1 < len(times) else float("nan")
 
 
-def jerk_profiles(frames, dt):
+def jerk_profiles(path, dt):
     """Per cycle, the jerk of every joint: the difference of successive accelerations."""
-    return [[(b - a) / dt for a, b in zip(f0.acc, f1.acc)] for f0, f1 in zip(frames, frames[1:])]
+    return np.diff(path.acc, axis=0) / dt
 
 
 def sweep(args):
     rows = []
     dt = args.cycle_ms / 1000.0
     for scale in args.jerk_scales:
-        spans, times, frames = simulate(args.tracker, args.cycle_ms, scale, args.cycles)
-        jerks = jerk_profiles(frames, dt)
-        peak_jerk = max(abs(j) for row in jerks for j in row)
-        peak_acc = max(abs(a) for f in frames for a in f.acc)
+        spans, times, path = simulate(args.tracker, args.cycle_ms, scale, args.cycles)
+        jerks = jerk_profiles(path, dt)
+        peak_jerk = np.abs(jerks).max()
+        peak_acc = np.abs(path.acc).max()
         # Averaging bounds the jerk by the acceleration change over the span: at most the jerk
         # limit where the acceleration starts or stops, twice it where it reverses.
-        ratio = max(abs(row[j]) / (JERK[j] * scale) for row in jerks for j in range(7))
-        rows.append(dict(scale=scale, spans=spans, times=times, frames=frames, jerks=jerks,
-                         settle=settle_time(times, frames), peak_jerk=peak_jerk,
+        ratio = (np.abs(jerks) / (np.array(JERK) * scale)).max()
+        rows.append(dict(scale=scale, spans=spans, times=times, path=path, jerks=jerks,
+                         settle=settle_time(times, path), peak_jerk=peak_jerk,
                          peak_acc=peak_acc, jerk_ratio=ratio))
     return rows
 
@@ -96,9 +99,9 @@ def plot(rows, path, joint):
         label = "jerk x%g (span %d)" % (r["scale"], r["spans"][joint])
         k = sum(1 for t in r["times"] if t <= shown)
         t = r["times"][:k]
-        av.plot(t, [f.vel[joint] for f in r["frames"][:k]], label=label)
-        aa.plot(t, [f.acc[joint] for f in r["frames"][:k]], label=label)
-        line, = aj.plot(t[1:], [j[joint] for j in r["jerks"][:k - 1]], label=label)
+        av.plot(t, r["path"].vel[:k, joint], label=label)
+        aa.plot(t, r["path"].acc[:k, joint], label=label)
+        line, = aj.plot(t[1:], r["jerks"][:k - 1, joint], label=label)
         for sign in (1, -1):
             aj.axhline(sign * JERK[joint] * r["scale"], color=line.get_color(), linestyle=":",
                        linewidth=0.8)
@@ -135,14 +138,18 @@ def main(argv=None):
     p.add_argument("--out", default="tune_seven_joint.png", help="PNG to write")
     p.add_argument("--no-plot", action="store_true")
     args = p.parse_args(argv)
+    # Low jerk scales clamp the averaging span at its maximum; the table shows the spans in effect.
+    warnings.simplefilter("ignore", qzmath.QZMathWarning)
     rows = sweep(args)
     print_table(rows, args.tracker)
     slowest = max(range(7), key=lambda j: abs(TARGET[j] - START[j]) / VEL[j])
     if not args.no_plot:
-        if plot(rows, args.out, slowest):
-            print("plot: %s" % args.out)
-        else:
-            print("matplotlib not installed: no plot")
+        if not plot(rows, args.out, slowest):
+            print("no plot: %s has no matplotlib. On Debian: apt-get install python3-matplotlib,"
+                  " then run this with /usr/bin/python3 (or pass --no-plot)" % sys.executable,
+                  file=sys.stderr)
+            return 1
+        print("plot: %s" % args.out)
     return 0
 
 

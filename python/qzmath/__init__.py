@@ -1,25 +1,31 @@
-"""QZMath from Python: ctypes over libQZMath.so, no compiled extension.
+"""QZMath from Python: ctypes over libQZMath.so (no compiled extension), numpy in and out.
 
-    import qzmath
-    axis = qzmath.Tracker(cycle_ms=4.0, vel_limit=50.0, acc_limit=100.0)
-    axis.step(0.0)                      # the first step outputs the target itself
-    path = axis.run([10.0] * 500)       # one commanded position per 4 ms cycle
+    import numpy as np, qzmath
+    arm = qzmath.SmoothedTracker(cycle_ms=4.0, vel_limits=[50.0] * 7, acc_limits=[100.0] * 7,
+                                 jerk_limits=[1000.0] * 7)
+    arm.step(np.zeros(7))               # the first step puts the arm at rest where it is
+    path = arm.run(np.full(7, 10.0), cycles=500)   # path.pos, path.vel, path.acc: (500, 7)
 
 Classes own the library's records (trackers, estimator, filters); the scalar functions are plain
 functions; vectors, matrices and decompositions are in qzmath.linalg, rotations, Euler angles,
-poses and frames in qzmath.geometry, quaternions and slerp in qzmath.quaternions. Every exported
-C function is also reachable with its C prototype as qzmath.lib.NAME.
-Where a C function reports failure a QZMathError subclass is raised. numpy is optional: any
-sequence is accepted, and results are lists (matrices lists of rows).
+poses and frames in qzmath.geometry, quaternions and slerp in qzmath.quaternions. Results are
+numpy arrays of their natural shape; conversions and products take leading batch axes.
+
+Errors: wrong types, None and wrong shapes raise TypeError or ValueError naming the parameter;
+NaN or infinite limits, cycle times, windows and counts raise InvalidArgumentError; a failure
+the library reports raises another QZMathError. A value that the library clamps or ignores
+raises a QZMathWarning (through the warnings module) naming the value in effect.
+
+qzmath.unchecked is the library itself with its C prototypes: no checks, and wrong arguments
+there can crash the interpreter.
 """
-from ._api import LIBRARY_VERSION, VERSION as __version__, lib, loaded_path
-from .errors import (ConvergenceError, InvalidArgumentError, QZMathError, SingularError,
-                     StateError)
+from ._api import LIBRARY_PATH, LIBRARY_VERSION, VERSION as __version__, lib as unchecked
+from .errors import (ConvergenceError, InvalidArgumentError, QZMathError, QZMathWarning,
+                     SingularError, StateError)
 from .estimation import ErrorComparator, Estimator, OneFitter
 from .filters import AveragingFilter, SmoothedValue
 from .scalar import *  # noqa: F401,F403 (the plain functions)
 
-from .trackers import (PVA, MultiStageTracker, SmoothedMultiStageTracker, SmoothedTracker,
+from .trackers import (MultiStageTracker, Path, SmoothedMultiStageTracker, SmoothedTracker,
                        TargetPVA, Tracker)
 from . import geometry, linalg, quaternions, records
-

@@ -1,14 +1,22 @@
 """Loading libQZMath.so and declaring the C prototype of every exported function.
 
-The library is looked up, first match wins:
-  1. the QZMATH_LIB environment variable: the library file, or a directory holding it (when
-     set, that library is loaded or an OSError raised, with no fallback);
-  2. next to this package, then the build directories of the source tree it sits in
-     (build/ first, then the other build*/ directories, most recently built first);
-  3. the system loader (an installed libqzmath-dev).
-Among the others, sanitizer builds and candidates that fail to load are passed over.
-The library found is then checked: its major version (QZ_Version) must be the binding's own, or
-the import fails with an ImportError that names both versions and the library's path.
+The library is the first of these that applies; there is no fallback to whatever the system
+loader would find:
+  1. the QZMATH_LIB environment variable: the library file, or a directory holding it;
+  2. an installed package (pip, cmake --install, python3-qzmath) loads the library it was
+     installed for, recorded in qzmath/_libpath.py as a path relative to the package (or
+     absolute);
+  3. the package used from a source tree loads that tree's build: build/ first, then the other
+     build*/ directories, most recently built first, passing over sanitizer builds (they abort
+     an interpreter that has not preloaded their runtime).
+Where the one expected is missing or does not load, the import fails with an ImportError that
+names what was looked for. The library found is then checked: its major version (QZ_Version)
+must be the binding's own, or the import fails with an ImportError that names both versions and
+the library's path.
+
+Two views of the library are made: `lib` (qzmath.unchecked) with the C prototypes of the table
+below, for callers who want the C functions themselves, and `raw`, the same functions with every
+pointer declared void *, which the checked wrappers call with numpy addresses.
 
 Prototypes are declared from the table below, one function a line: name, result type, argument
 types. Types: D double, I32 int32_t, U8 uint8_t, U32 uint32_t, void; a trailing * is a pointer
@@ -16,7 +24,6 @@ types. Types: D double, I32 int32_t, U8 uint8_t, U32 uint32_t, void; a trailing 
 qzmath.records. A name containing {N} stands for the sizes 2 to 8.
 """
 import ctypes
-import ctypes.util
 import glob
 import os
 
@@ -228,6 +235,7 @@ _SCALARS = {
 }
 
 _LIB_NAME = "libQZMath.so"
+HERE = os.path.dirname(os.path.abspath(__file__))
 
 # The library version this binding is written for; a library of another major version is refused.
 VERSION = "1.0.0"
@@ -267,32 +275,32 @@ def _from_env(env):
             return ctypes.CDLL(path)
         except OSError as e:
             error = e
-    raise OSError("QZMATH_LIB=%s: %s" % (env, error if paths else "no libQZMath.so there"))
+    raise ImportError("QZMATH_LIB=%s: %s" % (env, error if paths else "no libQZMath.so there"))
 
 
-def _candidates():
-    here = os.path.dirname(os.path.abspath(__file__))
-    yield from sorted(glob.glob(os.path.join(here, _LIB_NAME + "*")))
-    root = os.path.dirname(os.path.dirname(here))
+def _installed():
+    """The library recorded at install time, or None for a package used from a source tree."""
+    try:
+        from ._libpath import LIBRARY
+    except ImportError:
+        return None
+    return os.path.normpath(os.path.join(HERE, LIBRARY))
+
+
+def _tree_builds():
+    root = os.path.dirname(os.path.dirname(HERE))
+    if not os.path.exists(os.path.join(root, "CMakeLists.txt")):
+        return root, []
     main = os.path.join(root, "build", _LIB_NAME)
-    if os.path.exists(main):
-        yield main
     others = [p for p in glob.glob(os.path.join(root, "build*", _LIB_NAME)) if p != main]
-    yield from sorted(others, key=os.path.getmtime, reverse=True)
-    found = ctypes.util.find_library("QZMath")
-    if found:
-        yield found
-    yield _LIB_NAME + ".1"
+    found = [main] if os.path.exists(main) else []
+    return root, found + sorted(others, key=os.path.getmtime, reverse=True)
 
 
 def _sanitized(path):
-    """True for a library built with a sanitizer, which would abort an interpreter that has not
-    preloaded the sanitizer's runtime."""
-    try:
-        with open(path, "rb") as f:
-            data = f.read()
-    except OSError:
-        return False  # a bare name for the system loader
+    """True for a library built with a sanitizer."""
+    with open(path, "rb") as f:
+        data = f.read()
     return any(rt in data for rt in (b"libasan.so", b"libtsan.so", b"libubsan.so"))
 
 
@@ -300,8 +308,16 @@ def _load():
     env = os.environ.get("QZMATH_LIB")
     if env:  # asked for explicitly: that library or none
         return _from_env(env)
+    installed = _installed()
+    if installed is not None:
+        try:
+            return ctypes.CDLL(installed)
+        except OSError as e:
+            raise ImportError("qzmath was installed for the library %s, which does not load (%s);"
+                              " reinstall qzmath, or set QZMATH_LIB" % (installed, e)) from None
+    root, paths = _tree_builds()
     tried = []
-    for path in _candidates():
+    for path in paths:
         if _sanitized(path):
             tried.append("%s (a sanitizer build: set QZMATH_LIB and preload its runtime)" % path)
             continue
@@ -309,8 +325,10 @@ def _load():
             return ctypes.CDLL(path)
         except OSError as e:
             tried.append("%s (%s)" % (path, e))
-    raise OSError("libQZMath.so not found; set QZMATH_LIB to the library. Tried:\n  "
-                  + "\n  ".join(tried))
+    raise ImportError("libQZMath.so not found: qzmath is not installed (no qzmath/_libpath.py)"
+                      " and %s has no usable build/ or build*/ library%s. Build the library,"
+                      " install qzmath, or set QZMATH_LIB to the library."
+                      % (root, "".join("\n  tried " + t for t in tried)))
 
 
 def loaded_path(lib):
@@ -344,16 +362,19 @@ def check_version(lib):
     return have
 
 
-def _bind(lib):
+def _bind(lib, raw=False):
     for name, res, args in prototypes():
         fn = getattr(lib, name, None)
         if fn is None:  # an older library without this function: calls fail with AttributeError
             continue
         fn.restype = ctype(res)
-        fn.argtypes = [ctype(a) for a in args]
+        fn.argtypes = [ctypes.c_void_p if raw and a.endswith("*") else ctype(a) for a in args]
     return lib
 
 
 lib = _load()
 LIBRARY_VERSION = check_version(lib)
+LIBRARY_PATH = loaded_path(lib)
 _bind(lib)
+# The same loaded library (dlopen hands back the one mapping) with its own function objects.
+raw = _bind(ctypes.CDLL(lib._name), raw=True)

@@ -1,4 +1,5 @@
-"""Exceptions raised where a QZMath function reports failure."""
+"""Exceptions raised where a QZMath function reports failure or an argument is refused, and the
+warning issued where the library clamps or ignores a value."""
 
 
 class QZMathError(Exception):
@@ -6,7 +7,8 @@ class QZMathError(Exception):
 
 
 class InvalidArgumentError(QZMathError, ValueError):
-    """An initialiser refused its arguments; the record is left unusable."""
+    """An argument was refused: a NaN or infinite limit, cycle time, window or count, a count out
+    of range, or parameters the library's initialiser refused."""
 
 
 class StateError(QZMathError):
@@ -21,3 +23,7 @@ class SingularError(QZMathError, ArithmeticError):
 
 class ConvergenceError(QZMathError, ArithmeticError):
     """An iterative decomposition stopped without converging."""
+
+
+class QZMathWarning(UserWarning):
+    """A value was clamped or ignored by the library; the message names the value in effect."""

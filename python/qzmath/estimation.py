@@ -1,92 +1,117 @@
-"""The estimator, the one-step fitter and the control error comparator as classes that own
-their record (in `.state`)."""
-import ctypes
+"""The estimator, the one-step fitter and the control error comparator as classes that own their
+record. Results are numpy arrays with one value per axis or channel."""
+import numpy as np
 
-from ._api import lib
+from ._api import raw
 from . import _arrays as A
+from .errors import InvalidArgumentError
+from .trackers import _Record
 from .records import OneFitterState, QZDCTRLErrorState, QZNEstState
 
 
-class Estimator:
+class Estimator(_Record):
     """Sample-and-hold of position samples that arrive every cycle_ms control cycles of 1 ms
-    (with jitter), for up to eight axes, with a measured and a smoothed velocity.
+    (with jitter), for up to eight axes, with a measured and a smoothed velocity (units/s).
 
     Call step() once per 1 ms cycle; a stamp different from the last one marks new samples.
+    A velocity estimate is dropped after trunc(5 cycle_ms) cycles without a sample, at most 50.
     """
 
-    def __init__(self, cycle_ms, vel_max, vel_cur=None):
-        if not cycle_ms > 0:
-            raise ValueError("cycle_ms must be positive")
-        vmax, n = A.axes(vel_max, "vel_max")
-        vcur = vmax if vel_cur is None else A.per_axis(vel_cur, n, "vel_cur")
-        self.state = QZNEstState()
+    _Rec = QZNEstState
+
+    def __init__(self, cycle_ms: float, vel_max, vel_cur=None):
+        super().__init__()
+        cycle = A.finite(cycle_ms, "cycle_ms")
+        if not cycle > 0:
+            raise InvalidArgumentError("cycle_ms: must be positive, got %g" % cycle)
+        if 5 * cycle >= 51:
+            A.warn("cycle_ms %g: the hold limit of %d cycles is capped at 50"
+                   % (cycle, int(5 * cycle)))
+        n = len(A.array(vel_max, "vel_max"))
+        vmax = A.per_axis(A.finite_array(vel_max, "vel_max"), "vel_max")
+        vcur = vmax if vel_cur is None else A.per_axis(A.finite_array(vel_cur, "vel_cur"),
+                                                       "vel_cur", n=n)
         self._n = n
-        lib.QZOnInitEst(ctypes.byref(self.state), n, cycle_ms, vmax, vcur)
+        raw.QZOnInitEst(self._p, n, cycle, A.addr(vmax), A.addr(vcur))
+        self._out = np.zeros(8)
 
     @property
-    def axes(self):
+    def axes(self) -> int:
         return self._n
 
-    def step(self, stamp, samples, ref_vel=None):
+    def step(self, stamp: int, samples, ref_vel=None) -> np.ndarray:
         """One control cycle; returns the held positions. ref_vel, the reference velocities of
         the axes (zero when left out), cuts the measured velocity while near its maximum."""
-        x = A.per_axis(samples, self._n, "samples")
-        r = A.doubles(8) if ref_vel is None else A.per_axis(ref_vel, self._n, "ref_vel")
-        out = A.doubles(8)
-        lib.QZNEst_OnDT(ctypes.byref(self.state), stamp, x, out, r)
-        return A.to_list(out, self._n)
+        st = A.integer(stamp, "stamp", -2 ** 31, 2 ** 31 - 1)
+        x = A.per_axis(samples, "samples", n=self._n)
+        r = np.zeros(8) if ref_vel is None else A.per_axis(ref_vel, "ref_vel", n=self._n)
+        raw.QZNEst_OnDT(self._p, st, A.addr(x), A.addr(self._out), A.addr(r))
+        return self._out[:self._n].copy()
 
-    def reset(self):
+    def reset(self) -> None:
         """Makes the next step start afresh; the jitter score survives."""
-        lib.QZNEst_OnEmpty(ctypes.byref(self.state))
+        raw.QZNEst_OnEmpty(self._p)
 
-    def set_limits(self, vel_cur):
-        """Current velocity limits, each capped at its maximum."""
-        lib.QZNEst_OnSetRunTimeLmt(ctypes.byref(self.state),
-                                   A.per_axis(vel_cur, self._n, "vel_cur"))
+    def set_limits(self, vel_cur) -> None:
+        """Current velocity limits (units/s); each is capped at its maximum (QZMathWarning)."""
+        v = A.per_axis(A.finite_array(vel_cur, "vel_cur"), "vel_cur", n=self._n)
+        raw.QZNEst_OnSetRunTimeLmt(self._p, A.addr(v))
+        for i in range(self._n):
+            if self._rec.velLmtCur[i] != v[i]:
+                A.warn("vel_cur[%d] %g is above the maximum: %g takes effect"
+                       % (i, v[i], self._rec.velLmtCur[i]))
 
-    velocity = property(lambda self: list(self.state.velEst[: self._n]),
+    velocity = property(lambda self: np.array(self._rec.velEst[: self._n]),
                         doc="smoothed velocity estimate per axis (units/s)")
-    measured_velocity = property(lambda self: list(self.state.velMeas[: self._n]),
+    measured_velocity = property(lambda self: np.array(self._rec.velMeas[: self._n]),
                                  doc="measured velocity per axis after the cut and clamps")
-    jitter_score = property(lambda self: self.state.jitterScore,
+    jitter_score = property(lambda self: self._rec.jitterScore,
                             doc="arrival jitter, 0 (regular) to 100, refreshed every 200 samples")
 
 
-class OneFitter:
+class OneFitter(_Record):
     """One-pole low-pass filter on up to eight channels: y = x*alpha + (1 - alpha)*y_prev,
     starting from 0."""
 
+    _Rec = OneFitterState
+
     def __init__(self, alpha):
-        a, n = A.axes(alpha, "alpha")
-        self.state = OneFitterState()
-        self._n = n
-        lib.OneFitterInit(ctypes.byref(self.state), n, a)
+        super().__init__()
+        a = A.finite_array(alpha, "alpha")
+        self._n = len(a)
+        raw.OneFitterInit(self._p, self._n, A.addr(A.per_axis(a, "alpha")))
+        self._out = np.zeros(8)
 
-    def run(self, x):
+    def run(self, x) -> np.ndarray:
         """Filters one sample per channel; returns the outputs."""
-        out = A.doubles(8)
-        n = lib.OneFitterRun(ctypes.byref(self.state), A.per_axis(x, self._n, "x"), out)
-        return A.to_list(out, n)
+        raw.OneFitterRun(self._p, A.addr(A.per_axis(x, "x", n=self._n)), A.addr(self._out))
+        return self._out[:self._n].copy()
 
 
-class ErrorComparator:
-    """Per joint of a seven-joint arm: dead-banded, clamped error between two joint vectors,
-    integrated, and turned into a clamped correction. Gains and limits live in `.state` and may
-    be changed after construction."""
+class ErrorComparator(_Record):
+    """Per joint of a seven-joint arm: dead-banded (0.15), clamped error between two joint
+    vectors, integrated, and turned into a clamped correction. Gains and limits are fields of
+    `.gains` (the live record: its fields are all numbers, so any value is safe)."""
 
+    _Rec = QZDCTRLErrorState
     JOINTS = 7
 
     def __init__(self):
-        self.state = QZDCTRLErrorState()
-        lib.QZ_DCTRL_ErrorCompare_Init(0, ctypes.byref(self.state))
+        super().__init__()
+        raw.QZ_DCTRL_ErrorCompare_Init(0, self._p)
+        self._out = np.zeros(8)
 
-    def compare(self, first, second):
+    @property
+    def gains(self) -> QZDCTRLErrorState:
+        """The live record: kInteg, kProp, outLmt, errLmt, integLmt may be changed."""
+        return self._rec
+
+    def compare(self, first, second) -> np.ndarray:
         """One cycle: returns the seven corrections for the error second - first."""
-        a = A.per_axis(first, 7, "first")
-        b = A.per_axis(second, 7, "second")
-        corr = A.doubles(8)
-        lib.QZ_DCTRL_ErrorCompare(0, a, b, ctypes.byref(self.state), corr)
-        return A.to_list(corr, 7)
+        a = A.per_axis(first, "first", n=7)
+        b = A.per_axis(second, "second", n=7)
+        raw.QZ_DCTRL_ErrorCompare(0, A.addr(a), A.addr(b), self._p, A.addr(self._out))
+        return self._out[:7].copy()
 
-    integral = property(lambda self: list(self.state.integ[:7]), doc="integrated error per joint")
+    integral = property(lambda self: np.array(self._rec.integ[:7]),
+                        doc="integrated error per joint")

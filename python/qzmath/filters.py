@@ -1,63 +1,79 @@
-"""The per-cycle filters as classes that own their record (in `.state`)."""
+"""The per-cycle filters as classes that own their record (`.state` is a copy of it)."""
 import ctypes
 
-from ._api import lib
+import numpy as np
+
+from ._api import raw
 from . import _arrays as A
 from .errors import InvalidArgumentError, StateError
 from .records import QZAVGFState, QZSMVState
+from .trackers import _Record
 
 
-class AveragingFilter:
-    """Moving average over the last `span` samples of up to eight channels sampled together,
-    with the difference quotient of the average over dt."""
+class AveragingFilter(_Record):
+    """Moving average over the last `span` samples (1..100) of up to eight channels sampled
+    together, with the difference quotient of the average over dt."""
 
-    def __init__(self, channels, span, dt):
-        self.state = QZAVGFState()
-        if not lib.QZAVGF_OnInit(ctypes.byref(self.state), channels, span, dt):
-            raise InvalidArgumentError("channels must lie in 1..8 and span in 1..100")
-        self._n = channels
+    _Rec = QZAVGFState
+
+    def __init__(self, channels: int, span: int, dt: float):
+        super().__init__()
+        self._n = A.integer(channels, "channels", 1, 8)
+        n = A.integer(span, "span", 1, 100)
+        d = A.finite(dt, "dt")
+        if d == 0:
+            raise InvalidArgumentError("dt: must not be 0 (it divides the derivative)")
+        if not raw.QZAVGF_OnInit(self._p, self._n, n, d):
+            raise InvalidArgumentError("the library refused channels=%d, span=%d" % (self._n, n))
+        self._avg, self._davg = np.zeros(8), np.zeros(8)
 
     @property
-    def channels(self):
+    def channels(self) -> int:
         return self._n
 
     def filter(self, x):
         """One sample per channel; returns (averages, derivatives of the average). The first
         call after construction or reset() fills the window with x."""
-        avg, davg = A.doubles(8), A.doubles(8)
-        if not lib.QZAVGF_OnFilt(ctypes.byref(self.state), A.per_axis(x, self._n, "x"), avg,
-                                 davg):
+        if not raw.QZAVGF_OnFilt(self._p, A.addr(A.per_axis(x, "x", n=self._n)),
+                                 A.addr(self._avg), A.addr(self._davg)):
             raise StateError("filter refused: the record is not initialised")
-        return A.to_list(avg, self._n), A.to_list(davg, self._n)
+        return self._avg[:self._n].copy(), self._davg[:self._n].copy()
 
-    def reset(self):
-        if not lib.QZAVGF_OnEmpty(ctypes.byref(self.state)):
-            raise StateError("reset refused: the record is not initialised")
+    def reset(self) -> None:
+        raw.QZAVGF_OnEmpty(self._p)
 
 
-class SmoothedValue:
+class SmoothedValue(_Record):
     """A scalar moved towards a target by a fraction alpha of the remaining distance per update,
-    by at most step_max and at least step_min, landing exactly once within step_min."""
+    by at most step_max and at least step_min, landing exactly once within step_min. Needs
+    1e-9 <= alpha <= 0.9999999999 and 1e-5 <= step_min <= step_max."""
 
-    def __init__(self, start=0.0, alpha=0.002, step_max=0.01, step_min=0.002):
-        self.state = QZSMVState()
-        if not lib.QZSMV_OnInit(ctypes.byref(self.state), start, alpha, step_max, step_min):
+    _Rec = QZSMVState
+
+    def __init__(self, start: float = 0.0, alpha: float = 0.002, step_max: float = 0.01,
+                 step_min: float = 0.002):
+        super().__init__()
+        s = A.real(start, "start")
+        args = [A.finite(x, n) for x, n in ((alpha, "alpha"), (step_max, "step_max"),
+                                             (step_min, "step_min"))]
+        if not raw.QZSMV_OnInit(self._p, s, *args):
             raise InvalidArgumentError(
-                "need 1e-9 <= alpha <= 0.9999999999 and 1e-5 <= step_min <= step_max")
+                "need 1e-9 <= alpha <= 0.9999999999 and 1e-5 <= step_min <= step_max, got"
+                " alpha=%g, step_max=%g, step_min=%g" % tuple(args))
 
-    def update(self, target):
+    def update(self, target: float) -> float:
         """One update towards target; returns the new value."""
         v = ctypes.c_double()
-        lib.QZSMV_OnUpdateV(ctypes.byref(self.state), target, ctypes.byref(v))
+        raw.QZSMV_OnUpdateV(self._p, A.real(target, "target"), ctypes.addressof(v))
         return v.value
 
-    def update_flags(self, target):
+    def update_flags(self, target: float):
         """One update towards target; returns (value, is_zero, is_one)."""
         v, z, o = ctypes.c_double(), ctypes.c_uint8(), ctypes.c_uint8()
-        lib.QZSMV_OnUpdateVZO(ctypes.byref(self.state), target, ctypes.byref(v), ctypes.byref(z),
-                              ctypes.byref(o))
+        raw.QZSMV_OnUpdateVZO(self._p, A.real(target, "target"), ctypes.addressof(v),
+                              ctypes.addressof(z), ctypes.addressof(o))
         return v.value, bool(z.value), bool(o.value)
 
-    value = property(lambda self: self.state.value, doc="value after the last update")
-    is_zero = property(lambda self: bool(self.state.isZero))
-    is_one = property(lambda self: bool(self.state.isOne))
+    value = property(lambda self: self._rec.value, doc="value after the last update")
+    is_zero = property(lambda self: bool(self._rec.isZero))
+    is_one = property(lambda self: bool(self._rec.isOne))

@@ -1,163 +1,159 @@
 """Rotations, Euler angles, poses, Denavit-Hartenberg frames and Jacobian frame changes.
 
-Rotation matrices are 3x3 and transforms 4x4, given and returned as lists of rows. Angles are
-in radians unless a function takes degrees=True.
+Rotation matrices are (3, 3) and transforms (4, 4) numpy arrays. Angles are in radians unless a
+function takes degrees=True. Where a parameter's shape is written (..., 3) it may carry leading
+batch axes (broadcast together as in numpy), and so does the result.
 
 Euler conventions: XYZ (A, B, C) means R = Rz(C) Ry(B) Rx(A); ZYZ (a, b, c) means
 R = Rz(a) Ry(b) Rz(c). A pose is x, y, z, A, B, C.
 """
 import collections
-import ctypes
 
-from ._api import lib
+import numpy as np
+
+from ._api import raw
 from . import _arrays as A
 from .errors import SingularError
 
-ZYZ = collections.namedtuple("ZYZ", "a b c singular")
+ZYZ = collections.namedtuple("ZYZ", "angles singular")
+ZYZ.__doc__ = """ZYZ angles (..., 3) in radians and whether each orientation is singular."""
+M3 = (3, 3)
+M4 = (4, 4)
 
 
-def _rot_or_transform(r, what):
-    """C array of a 3x3 rotation or 4x4 transform, and whether it is the transform."""
-    x, n = A.square(r, what, (3, 4))
-    return x, n == 4
+def rot_x(angle) -> np.ndarray:
+    """Rotations about x by angle (radians, any shape): shape angle.shape + (3, 3)."""
+    return A.mapped(raw.QZ_RotXARC, [], M3, scalars=[(angle, "angle")])[0]
 
 
-def rot_x(angle):
-    """Rotation about x by angle (radians)."""
-    r = A.doubles(9)
-    lib.QZ_RotXARC(angle, r)
-    return A.to_rows(r, 3, 3)
+def rot_y(angle) -> np.ndarray:
+    """Rotations about y by angle (radians, any shape)."""
+    return A.mapped(raw.QZ_RotYARC, [], M3, scalars=[(angle, "angle")])[0]
 
 
-def rot_y(angle):
-    r = A.doubles(9)
-    lib.QZ_RotYARC(angle, r)
-    return A.to_rows(r, 3, 3)
+def rot_z(angle) -> np.ndarray:
+    """Rotations about z by angle (radians, any shape)."""
+    return A.mapped(raw.QZ_RotZARC, [], M3, scalars=[(angle, "angle")])[0]
 
 
-def rot_z(angle):
-    r = A.doubles(9)
-    lib.QZ_RotZARC(angle, r)
-    return A.to_rows(r, 3, 3)
+def rotate(r, v) -> np.ndarray:
+    """(..., 3) vectors v turned by the (..., 3, 3) rotations r."""
+    return A.mapped(raw.QZ_MatrixMultVect3, [(r, "r", M3), (v, "v", (3,))], (3,))[0]
 
 
-def xyz_to_matrix(abc, degrees=False):
-    """Rotation Rz(C) Ry(B) Rx(A) of the XYZ angles (A, B, C)."""
-    r = A.doubles(9)
-    (lib.QZ_ABC2Matrix3DEG if degrees else lib.QZ_ABC2Matrix3ARC)(A.vector(abc, 3, "abc"), r)
-    return A.to_rows(r, 3, 3)
+def xyz_to_matrix(abc, degrees: bool = False) -> np.ndarray:
+    """(..., 3, 3) rotations Rz(C) Ry(B) Rx(A) of (..., 3) XYZ angles (A, B, C)."""
+    fn = raw.QZ_ABC2Matrix3DEG if degrees else raw.QZ_ABC2Matrix3ARC
+    return A.mapped(fn, [(abc, "abc", (3,))], M3)[0]
 
 
-def matrix_to_xyz(r):
-    """XYZ angles (A, B, C) in radians of a rotation or of a transform's rotation block; A, C in
-    (-pi, pi], B in [-pi/2, pi/2]. At B = +-pi/2 C is 0 and A carries the whole turn."""
-    x, is4 = _rot_or_transform(r, "r")
-    out = A.doubles(3)
-    (lib.QZ_Matrix42XYZ if is4 else lib.QZ_Matrix2XYZ)(x, out)
-    return A.to_list(out)
+def _rot_or_transform(r, name, fn3, fn4):
+    n = A.square_shape(r, name, (3, 4))
+    return A.mapped(fn4 if n == 4 else fn3, [(r, name, (n, n))], (3,))
 
 
-def zyz_to_matrix(a, b, c):
-    """Rotation Rz(a) Ry(b) Rz(c) (radians)."""
-    r = A.doubles(9)
-    lib.QZ_ZYZ2Matrix(a, b, c, r)
-    return A.to_rows(r, 3, 3)
+def matrix_to_xyz(r) -> np.ndarray:
+    """(..., 3) XYZ angles (A, B, C) in radians of (..., 3, 3) rotations or of the rotation
+    blocks of (..., 4, 4) transforms; A, C in (-pi, pi], B in [-pi/2, pi/2]. At B = +-pi/2 C is 0
+    and A carries the whole turn."""
+    return _rot_or_transform(r, "r", raw.QZ_Matrix2XYZ, raw.QZ_Matrix42XYZ)[0]
 
 
-def matrix_to_zyz(r):
-    """ZYZ angles in radians of a rotation or a transform's rotation block, as ZYZ(a, b, c,
-    singular). b lies in [0, pi]; singular is True when |b| < 0.5 degree, where a is 0 and c
-    carries the whole turn about z."""
-    x, is4 = _rot_or_transform(r, "r")
-    out = A.doubles(3)
-    ok = (lib.QZ_Matrix42ZYZ if is4 else lib.QZ_Matrix2ZYZ)(x, out)
-    return ZYZ(out[0], out[1], out[2], not ok)
+def zyz_to_matrix(abc) -> np.ndarray:
+    """(..., 3, 3) rotations Rz(a) Ry(b) Rz(c) of (..., 3) ZYZ angles (a, b, c) in radians."""
+    a = A.array(abc, "abc", (3,), batch=True)
+    return A.mapped(raw.QZ_ZYZ2Matrix, [], M3,
+                    scalars=[(a[..., 0], "abc"), (a[..., 1], "abc"), (a[..., 2], "abc")])[0]
 
 
-def pose_to_matrix(pose, degrees=False):
-    """4x4 transform of a pose x, y, z, A, B, C (XYZ angles)."""
-    t = A.doubles(16)
-    fn = lib.QZ_XYZABC2Matrix4DEG if degrees else lib.QZ_XYZABC2Matrix4ARC
-    fn(A.vector(pose, 6, "pose"), t)
-    return A.to_rows(t, 4, 4)
+def matrix_to_zyz(r) -> ZYZ:
+    """ZYZ angles in radians of (..., 3, 3) rotations or (..., 4, 4) transforms' rotation blocks,
+    as ZYZ(angles, singular). b lies in [0, pi]; singular is True where |b| < 0.5 degree, where a
+    is 0 and c carries the whole turn about z."""
+    angles, ok = _rot_or_transform(r, "r", raw.QZ_Matrix2ZYZ, raw.QZ_Matrix42ZYZ)
+    singular = ok == 0
+    return ZYZ(angles, bool(singular) if singular.ndim == 0 else singular)
 
 
-def matrix_to_pose(t, degrees=False, convention="xyz"):
-    """Pose x, y, z and Euler angles of a 4x4 transform, XYZ (A, B, C) or ZYZ (a, b, c).
-    For ZYZ near b = 0 the library leaves the position unwritten: SingularError (use
+def pose_to_matrix(pose, degrees: bool = False) -> np.ndarray:
+    """(..., 4, 4) transforms of (..., 6) poses x, y, z, A, B, C (XYZ angles)."""
+    fn = raw.QZ_XYZABC2Matrix4DEG if degrees else raw.QZ_XYZABC2Matrix4ARC
+    return A.mapped(fn, [(pose, "pose", (6,))], M4)[0]
+
+
+def matrix_to_pose(t, degrees: bool = False, convention: str = "xyz") -> np.ndarray:
+    """(..., 6) poses x, y, z and Euler angles of (..., 4, 4) transforms, XYZ (A, B, C) or ZYZ
+    (a, b, c). For ZYZ near b = 0 the library leaves the position unwritten: SingularError (use
     matrix_to_zyz for the angles there)."""
-    x = A.matrix(t, 4, 4, "t")
-    out = A.doubles(6)
     if convention == "xyz":
         # The library's XYZ extraction pair is named the other way round: ..ARC_XYZ gives degrees.
-        (lib.QZ_Matrix2XYZABC4ARC_XYZ if degrees else lib.QZ_Matrix2XYZABC4DEG_XYZ)(x, out)
+        fn = raw.QZ_Matrix2XYZABC4ARC_XYZ if degrees else raw.QZ_Matrix2XYZABC4DEG_XYZ
     elif convention == "zyz":
-        fn = lib.QZ_Matrix2XYZABC4DEG_ZYZ if degrees else lib.QZ_Matrix2XYZABC4ARC_ZYZ
-        if not fn(x, out):
-            raise SingularError("ZYZ angles singular (b near 0)")
+        fn = raw.QZ_Matrix2XYZABC4DEG_ZYZ if degrees else raw.QZ_Matrix2XYZABC4ARC_ZYZ
     else:
-        raise ValueError("convention: 'xyz' or 'zyz'")
-    return A.to_list(out)
+        raise ValueError("convention: 'xyz' or 'zyz', got %r" % (convention,))
+    out, ok = A.mapped(fn, [(t, "t", M4)], (6,))
+    if convention == "zyz" and not ok.all():
+        raise SingularError("ZYZ angles singular (b near 0)")
+    return out
 
 
-def turn_about_z(t, c, s):
+def turn_about_z(t, c: float, s: float) -> np.ndarray:
     """Transform t turned about its own z axis by the angle of cosine c and sine s."""
-    out = A.doubles(16)
-    lib.QZ_XYZMRot(A.matrix(t, 4, 4, "t"), c, s, out)
-    return A.to_rows(out, 4, 4)
+    out = np.zeros(M4)
+    raw.QZ_XYZMRot(A.addr(A.array(t, "t", M4)), A.real(c, "c"), A.real(s, "s"), A.addr(out))
+    return out
 
 
-def dh(alpha, a, d, theta):
-    """Modified Denavit-Hartenberg link transform RotX(alpha) TransX(a) RotZ(theta) TransZ(d)."""
-    t = A.doubles(16)
-    lib.QZ_DH2Matrix(alpha, a, d, theta, t)
-    return A.to_rows(t, 4, 4)
+def dh(alpha, a, d, theta) -> np.ndarray:
+    """Modified Denavit-Hartenberg link transforms RotX(alpha) TransX(a) RotZ(theta) TransZ(d);
+    the parameters broadcast together, giving shape (..., 4, 4)."""
+    return A.mapped(raw.QZ_DH2Matrix, [], M4, scalars=[(alpha, "alpha"), (a, "a"), (d, "d"),
+                                                       (theta, "theta")])[0]
 
 
-def forward_kinematics(links, joints):
-    """Flange transform of a serial arm: the product of dh(alpha, a, d, theta + q) over the links
-    (alpha, a, d, theta offset) and joint angles q, base first."""
+def forward_kinematics(links, joints) -> np.ndarray:
+    """Flange transform of a serial arm: the product of dh(alpha, a, d, theta + q) over the links,
+    an (n, 4) array of (alpha, a, d, theta offset), and the n joint angles q, base first. joints
+    may carry leading batch axes: (..., n) gives (..., 4, 4)."""
     from .linalg import matmul
-    if len(links) != len(joints):
-        raise ValueError("one joint angle per link")
+    lk = A.array(links, "links", (4,), batch=True)
+    if lk.ndim != 2:
+        raise ValueError("links: expected shape (n, 4), got %s" % (lk.shape,))
+    q = A.array(joints, "joints", (len(lk),), batch=True)
     t = None
-    for (alpha, a, d, theta), q in zip(links, joints):
-        link = dh(alpha, a, d, theta + q)
+    for (alpha, a, d, theta), qi in zip(lk, np.moveaxis(q, -1, 0)):
+        link = dh(alpha, a, d, theta + qi)
         t = link if t is None else matmul(t, link)
     return t
 
 
-def skew(v):
+def skew(v) -> np.ndarray:
     """Cross-product matrix S of v: S x = v x x."""
-    s = A.doubles(9)
-    lib.QZ_Skew(A.vector(v, 3, "v"), s)
-    return A.to_rows(s, 3, 3)
+    return A.mapped(raw.QZ_Skew, [(v, "v", (3,))], M3)[0]
 
 
-def l_operator(v):
-    """3x6 L with L (Ixx, Ixy, Ixz, Iyy, Iyz, Izz) = I v for a symmetric inertia I."""
-    out = A.doubles(18)
-    lib.QZ_LOperator(A.vector(v, 3, "v"), out)
-    return A.to_rows(out, 3, 6)
+def l_operator(v) -> np.ndarray:
+    """(3, 6) L with L (Ixx, Ixy, Ixz, Iyy, Iyz, Izz) = I v for a symmetric inertia I."""
+    return A.mapped(raw.QZ_LOperator, [(v, "v", (3,))], (3, 6))[0]
 
 
-def line_cross(p1, d1, p2, d2):
+def line_cross(p1, d1, p2, d2) -> np.ndarray:
     """Crossing of the lines p1 + s d1 and p2 + t d2, or the midpoint of their common
     perpendicular; SingularError for parallel lines or a zero direction."""
-    x = A.doubles(3)
-    if not lib.QZ_LineCross(A.vector(p1, 3, "p1"), A.vector(d1, 3, "d1"), A.vector(p2, 3, "p2"),
-                            A.vector(d2, 3, "d2"), x):
+    x = np.zeros(3)
+    args = [A.addr(A.array(v, n, (3,))) for v, n in ((p1, "p1"), (d1, "d1"), (p2, "p2"),
+                                                     (d2, "d2"))]
+    if not raw.QZ_LineCross(*args, A.addr(x)):
         raise SingularError("parallel lines or zero direction")
-    return A.to_list(x)
+    return x
 
 
-def jacobian_rotate(j, r):
-    """diag(R, R) J for a 6x6 or 6x7 Jacobian J: its rows expressed in the frame turned by R."""
-    shape = A.shape_of(j)
-    if shape not in ((6, 6), (6, 7)):
-        raise ValueError("jacobian_rotate: a 6x6 or 6x7 Jacobian given as rows")
-    cols = shape[1]
-    out = A.doubles(6 * cols)
-    fn = lib.QZ_JACOB_TRAN_T66 if cols == 6 else lib.QZ_JACOB_TRAN_T67
-    fn(A.matrix(j, 6, cols, "j"), A.matrix(r, 3, 3, "r"), out)
-    return A.to_rows(out, 6, cols)
+def jacobian_rotate(j, r) -> np.ndarray:
+    """diag(R, R) J for a (6, 6) or (6, 7) Jacobian J: its rows expressed in the frame turned by
+    R."""
+    jj = A.array(j, "j", (6, 7) if np.shape(j) == (6, 7) else (6, 6))
+    out = np.zeros(jj.shape)
+    fn = raw.QZ_JACOB_TRAN_T66 if jj.shape[1] == 6 else raw.QZ_JACOB_TRAN_T67
+    fn(A.addr(jj), A.addr(A.array(r, "r", M3)), A.addr(out))
+    return out

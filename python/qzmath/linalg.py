@@ -1,296 +1,305 @@
 """Vectors, matrices, inverses, decompositions and pseudo-inverses.
 
-Matrices are given as rows (a list of lists or a 2-D numpy array) or, where the shape is implied
-(square matrices), flat in row-major order; results are lists of rows. Each function calls the
-library's routine for the shape, so results carry its exact bits: for instance a square product
-of size 2 to 8 goes through QZ_MatrixMult<n>, other shapes through QZ_MatrixMultXmX.
+Vectors are 1-D and matrices 2-D array-likes, in their natural shape (a flat array is not taken
+for a matrix); results are numpy arrays. Each function calls the library's routine for the shape,
+so results carry its exact bits: a square product of size 2 to 8 goes through QZ_MatrixMult<n>,
+other shapes through QZ_MatrixMultXmX.
 """
 import ctypes
 
-from ._api import lib
-from . import _arrays as A
-from .errors import ConvergenceError, SingularError
+import numpy as np
 
-_D = ctypes.c_double
+from ._api import raw
+from . import _arrays as A
+from .errors import ConvergenceError, InvalidArgumentError, SingularError
+
 _SIZES = range(2, 9)
 
 
 def _fixed(name, n):
-    return getattr(lib, "%s%d" % (name, n))
+    return getattr(raw, "%s%d" % (name, n))
 
 
-def _as_rows(m, what):
-    """m as a list of rows, and its shape; a flat sequence is taken as a square matrix."""
-    shape = A.shape_of(m)
-    if shape is None:
-        x, n = A.square(m, what)
-        return A.to_rows(x, n, n), (n, n)
-    return m, shape
+def _matrix(m, name, sizes=None, square=False):
+    a = A.array(m, name, (), batch=True)
+    if a.ndim != 2 or (square and a.shape[0] != a.shape[1]):
+        raise ValueError("%s: expected a %smatrix (2-D), got shape %s"
+                         % (name, "square " if square else "", a.shape))
+    if sizes is not None and a.shape[0] not in sizes:
+        raise ValueError("%s: size %d not supported (%s)" % (name, a.shape[0],
+                                                              ", ".join(map(str, sizes))))
+    return a
+
+
+def _rows(a):
+    """Array of row pointers into the C-contiguous 2-D array a."""
+    base, stride = A.base(a), 8 * max(a.shape[1], 1)
+    return (ctypes.c_void_p * max(a.shape[0], 1))(*[base + r * stride for r in range(a.shape[0])])
+
+
+def _vectors(a, b):
+    x = A.array(a, "a")
+    return x, A.array(b, "b", (len(x),))
 
 
 # ---- Vectors ----------------------------------------------------------------------------------
 
-def dot(a, b):
+def dot(a, b) -> float:
     """Sum of a[i]*b[i] in index order."""
-    x, n = A.vector_any(a, "a")
-    return lib.QZ_VectDot(x, A.vector(b, n, "b"), n)
+    x, y = _vectors(a, b)
+    return raw.QZ_VectDot(A.addr(x), A.addr(y), len(x))
 
 
-def length(v):
+def length(v) -> float:
     """Euclidean length (root of the sum of squares in index order)."""
-    x, n = A.vector_any(v, "v")
-    return lib.QZ_VectLength(x, n)
+    x = A.array(v, "v")
+    return raw.QZ_VectLength(A.addr(x), len(x))
 
 
-def normalize(v):
+def normalize(v) -> np.ndarray:
     """v divided by its length; SingularError when the length is zero (to 1e-16)."""
-    x, n = A.vector_any(v, "v")
-    if not lib.QZ_VectNorm(x, n):
+    x = A.array(v, "v")
+    if not raw.QZ_VectNorm(A.addr(x), len(x)):
         raise SingularError("zero-length vector")
-    return A.to_list(x)
+    return x
 
 
-def normalized(v):
+def normalized(v) -> np.ndarray:
     """v divided by its length, or zeros when the length is below 1e-6 (no error)."""
-    x, n = A.vector_any(v, "v")
-    out = A.doubles(n)
-    lib.VectNormalized(x, n, out)
-    return A.to_list(out)
+    x = A.array(v, "v")
+    out = np.zeros(len(x))
+    raw.VectNormalized(A.addr(x), len(x), A.addr(out))
+    return out
 
 
-def angle_deg(a, b):
+def angle_deg(a, b) -> float:
     """Angle between a and b in degrees, in [0, 180]; 0 when either is zero."""
-    x, n = A.vector_any(a, "a")
-    return lib.QZ_VectAngle(x, A.vector(b, n, "b"), n)
+    x, y = _vectors(a, b)
+    return raw.QZ_VectAngle(A.addr(x), A.addr(y), len(x))
 
 
-def projection(a, b):
+def projection(a, b) -> np.ndarray:
     """Projection of a on the direction of b (1 to 3 elements); zeros when |b| < 1e-6."""
-    x, n = A.vector_any(a, "a")
-    if not 1 <= n <= 3:
-        raise ValueError("projection: vectors of 1 to 3 elements")
-    out = A.doubles(n)
-    lib.CalShadowVector(x, A.vector(b, n, "b"), out, n)
-    return A.to_list(out)
+    x, y = _vectors(a, b)
+    if not 1 <= len(x) <= 3:
+        raise ValueError("a: expected 1 to 3 elements, got %d" % len(x))
+    out = np.zeros(len(x))
+    raw.CalShadowVector(A.addr(x), A.addr(y), A.addr(out), len(x))
+    return out
 
 
-def cross(a, b):
-    """a x b of two 3-vectors."""
-    out = A.doubles(3)
-    lib.QZ_VectCross(A.vector(a, 3, "a"), A.vector(b, 3, "b"), out)
-    return A.to_list(out)
+def cross(a, b) -> np.ndarray:
+    """a x b of (..., 3) vectors."""
+    return A.mapped(raw.QZ_VectCross, [(a, "a", (3,)), (b, "b", (3,))], (3,))[0]
 
 
-def distance(a, b):
+def distance(a, b) -> float:
     """Distance between points a and b (3-vectors)."""
-    return lib.QZ_GetVectLenA2B(A.vector(a, 3, "a"), A.vector(b, 3, "b"))
+    return raw.QZ_GetVectLenA2B(A.addr(A.array(a, "a", (3,))), A.addr(A.array(b, "b", (3,))))
 
 
 def direction(a, b):
     """(unit vector from a towards b, distance); SingularError for points closer than about
     3.2e-5."""
-    out, d = A.doubles(3), _D()
-    if not lib.QZ_GetVectNormLenA2B(A.vector(a, 3, "a"), A.vector(b, 3, "b"), out,
-                                    ctypes.byref(d)):
+    out, d = np.zeros(3), np.zeros(1)
+    if not raw.QZ_GetVectNormLenA2B(A.addr(A.array(a, "a", (3,))), A.addr(A.array(b, "b", (3,))),
+                                    A.addr(out), A.addr(d)):
         raise SingularError("points too close for a direction")
-    return A.to_list(out), d.value
+    return out, float(d[0])
 
 
 # ---- Matrices ---------------------------------------------------------------------------------
 
-def identity(n):
+def identity(n: int) -> np.ndarray:
     """n-by-n identity, n = 2..8."""
-    if n not in _SIZES:
-        raise ValueError("identity: size 2 to 8")
-    m = A.doubles(n * n)
-    _fixed("QZ_MatrixIdentity", n)(m)
-    return A.to_rows(m, n, n)
+    n = A.integer(n, "n", 2, 8)
+    m = np.zeros((n, n))
+    _fixed("QZ_MatrixIdentity", n)(A.addr(m))
+    return m
 
 
-def matmul(a, b):
-    """Matrix product a . b."""
-    a, sa = _as_rows(a, "a")
-    b, sb = _as_rows(b, "b")
-    if sa[1] != sb[0]:
-        raise ValueError("matmul: shapes %s and %s do not agree" % (sa, sb))
-    if sa[0] == sa[1] == sb[1] and sa[0] in _SIZES:
-        n = sa[0]
-        out = A.doubles(n * n)
-        _fixed("QZ_MatrixMult", n)(A.matrix(a, n, n, "a"), A.matrix(b, n, n, "b"), out)
-        return A.to_rows(out, n, n)
-    ra, pa, n, m = A.rows_of(a)
-    rb, pb, _, p = A.rows_of(b)
-    ro, po = A.row_pointers([0.0] * (n * p), n, p)
-    lib.QZ_MatrixMultXmX(pa, n, m, pb, p, po)
-    return [A.to_list(r, p) for r in ro]
+def matmul(a, b) -> np.ndarray:
+    """Matrix product a . b of 2-D arrays."""
+    x, y = _matrix(a, "a"), _matrix(b, "b")
+    (n, m), (k, p) = x.shape, y.shape
+    if m != k:
+        raise ValueError("a, b: shapes %s and %s do not agree" % (x.shape, y.shape))
+    out = np.zeros((n, p))
+    if n == m == p and n in _SIZES:
+        _fixed("QZ_MatrixMult", n)(A.addr(x), A.addr(y), A.addr(out))
+    elif n and p:
+        raw.QZ_MatrixMultXmX(_rows(x), n, m, _rows(y), p, _rows(out))
+    return out
 
 
-def matvec(m, v):
+_MATVEC = {(3, 3): "QZ_MatrixMultVect3", (4, 4): "QZ_MatrixMultVect4",
+           (6, 6): "QZ_MatrixMultVect6", (7, 7): "QZ_MatrixMultVect7",
+           (6, 7): "QZ_Matrix67MultVect7", (7, 6): "QZ_Matrix76MultVect6"}
+
+
+def matvec(m, v) -> np.ndarray:
     """Matrix times vector m . v."""
-    m, shape = _as_rows(m, "m")
-    rows, cols = shape
-    fixed = {(3, 3): "QZ_MatrixMultVect3", (4, 4): "QZ_MatrixMultVect4",
-             (6, 6): "QZ_MatrixMultVect6", (7, 7): "QZ_MatrixMultVect7",
-             (6, 7): "QZ_Matrix67MultVect7", (7, 6): "QZ_Matrix76MultVect6"}.get(shape)
-    x = A.vector(v, cols, "v")
-    out = A.doubles(rows)
-    if fixed:
-        getattr(lib, fixed)(A.matrix(m, rows, cols, "m"), x, out)
-    else:
-        arrays, ptrs, _, _ = A.rows_of(m)
-        lib.QZ_MatrixMultVectX(ptrs, rows, cols, x, out)
-    return A.to_list(out)
+    x = _matrix(m, "m")
+    y = A.array(v, "v", (x.shape[1],))
+    out = np.zeros(x.shape[0])
+    if x.shape in _MATVEC:
+        getattr(raw, _MATVEC[x.shape])(A.addr(x), A.addr(y), A.addr(out))
+    elif x.size:
+        raw.QZ_MatrixMultVectX(_rows(x), x.shape[0], x.shape[1], A.addr(y), A.addr(out))
+    return out
 
 
-def transpose(m):
+def transpose(m) -> np.ndarray:
     """Transpose."""
-    m, (rows, cols) = _as_rows(m, "m")
+    x = _matrix(m, "m")
+    rows, cols = x.shape
+    out = np.zeros((cols, rows))
     if rows == cols and rows in _SIZES:
-        out = A.doubles(rows * rows)
-        _fixed("QZ_MatrixTranspose", rows)(A.matrix(m, rows, rows, "m"), out)
-        return A.to_rows(out, rows, rows)
-    arrays, ptrs, _, _ = A.rows_of(m)
-    ro, po = A.row_pointers([0.0] * (rows * cols), cols, rows)
-    lib.QZ_MatrixTransposeXX(ptrs, rows, cols, po)
-    return [A.to_list(r, rows) for r in ro]
+        _fixed("QZ_MatrixTranspose", rows)(A.addr(x), A.addr(out))
+    elif x.size:
+        raw.QZ_MatrixTransposeXX(_rows(x), rows, cols, _rows(out))
+    return out
 
 
-def inverse(m):
+def inverse(m) -> np.ndarray:
     """Inverse of an n-by-n matrix (n = 2..8) by LU with partial pivoting; SingularError when a
-    pivot is at most 1e-16."""
-    x, n = A.square(m, "m", _SIZES)
-    out = A.doubles(n * n)
-    if not _fixed("QZ_MatrixInv", n)(x, out):
-        raise SingularError("singular matrix")
-    return A.to_rows(out, n, n)
+    pivot is at most 1e-16 (which a NaN matrix also gives: see its message)."""
+    x = _matrix(m, "m", _SIZES, square=True)
+    out = np.zeros(x.shape)
+    if not _fixed("QZ_MatrixInv", len(x))(A.addr(x), A.addr(out)):
+        _singular(x, "singular matrix")
+    return out
 
 
-def rigid_inverse(t):
+def _singular(x, what):
+    if not np.isfinite(x).all():
+        raise InvalidArgumentError("m: the matrix holds NaN or infinite entries")
+    raise SingularError(what)
+
+
+def rigid_inverse(t) -> np.ndarray:
     """Inverse of a rigid 4-by-4 transform in closed form (rotation transposed)."""
-    out = A.doubles(16)
-    lib.QZ_PGMatrixInv(A.matrix(t, 4, 4, "t"), out)
-    return A.to_rows(out, 4, 4)
+    out = np.zeros((4, 4))
+    raw.QZ_PGMatrixInv(A.addr(A.array(t, "t", (4, 4))), A.addr(out))
+    return out
 
 
-def det(m):
+def det(m) -> float:
     """Determinant of an n-by-n matrix (n = 1..8) by cofactor expansion."""
-    x, n = A.square(m, "m", range(1, 9))
-    buf = A.doubles(64)
-    for r in range(n):
-        buf[8 * r:8 * r + n] = x[n * r:n * r + n]
-    return lib.QZ_MatrixDeterminant(buf, n)
+    x = _matrix(m, "m", range(1, 9), square=True)
+    buf = np.zeros((8, 8))
+    buf[:len(x), :len(x)] = x
+    return raw.QZ_MatrixDeterminant(A.addr(buf), len(x))
 
 
 class LUP:
-    """LU decomposition with partial pivoting of a matrix (row exchanges recorded in perm).
+    """LU decomposition with partial pivoting of a 2-D matrix (row exchanges recorded in perm).
     Raises SingularError when a pivot is below 1e-16."""
 
     def __init__(self, m):
-        self._rows, self._ptrs, self.m, self.n = A.rows_of(m)
-        k = min(self.m, self.n)
-        self._perm = (ctypes.c_int32 * (k + 1))()
-        if lib.QZ_MatLUPD(self._ptrs, self.m, self.n, self._perm):
-            raise SingularError("singular matrix")
+        self._lu = _matrix(m, "m")
+        self.m, self.n = self._lu.shape
+        if not self._lu.size:
+            raise ValueError("m: empty matrix")
+        self._ptrs = _rows(self._lu)
+        self._perm = np.zeros(min(self.m, self.n) + 1, dtype=np.int32)
+        if raw.QZ_MatLUPD(self._ptrs, self.m, self.n, A.addr(self._perm)):
+            _singular(np.asarray(m, dtype=float), "singular matrix")
 
     @property
-    def lu(self):
+    def lu(self) -> np.ndarray:
         """The factors in one matrix: L's multipliers below the diagonal, U on and above."""
-        return [A.to_list(r, self.n) for r in self._rows]
+        return self._lu.copy()
 
     @property
-    def perm(self):
+    def perm(self) -> np.ndarray:
         """perm[i] the input row now in row i; the last entry the number of exchanges."""
-        return list(self._perm)
+        return self._perm.copy()
 
     def _square(self):
         if self.m != self.n:
-            raise ValueError("a square matrix's decomposition is needed")
+            raise ValueError("a square matrix's decomposition is needed, this one is %dx%d"
+                             % (self.m, self.n))
         return self.n
 
-    def solve(self, b):
+    def solve(self, b) -> np.ndarray:
         """x with A x = b."""
         n = self._square()
-        x = A.doubles(n)
-        lib.QZ_LUPSolveEq(self._ptrs, n, self._perm, A.vector(b, n, "b"), x)
-        return A.to_list(x)
+        x = np.zeros(n)
+        raw.QZ_LUPSolveEq(self._ptrs, n, A.addr(self._perm), A.addr(A.array(b, "b", (n,))),
+                          A.addr(x))
+        return x
 
-    def det(self):
-        return lib.QZ_MatLUPDet(self._ptrs, self._square(), self._perm)
+    def det(self) -> float:
+        return raw.QZ_MatLUPDet(self._ptrs, self._square(), A.addr(self._perm))
 
-    def inverse(self):
+    def inverse(self) -> np.ndarray:
         n = self._square()
-        rows, ptrs = A.row_pointers([0.0] * (n * n), n, n)
-        lib.QZ_MatLUPInv(self._ptrs, n, self._perm, ptrs)
-        return [A.to_list(r, n) for r in rows]
+        out = np.zeros((n, n))
+        raw.QZ_MatLUPInv(self._ptrs, n, A.addr(self._perm), _rows(out))
+        return out
 
 
-def pinv(m):
-    """Moore-Penrose pseudo-inverse of a 6x7 or 7x6 Jacobian by the normal equations (no
-    damping); SingularError when the Gram matrix is singular."""
-    shape = A.shape_of(m)
-    if shape == (6, 7):
-        out = A.doubles(42)
-        ok = lib.QZ_RightPsoInv67(A.matrix(m, 6, 7, "m"), out)
-        result = lambda: A.to_rows(out, 7, 6)  # noqa: E731
-    elif shape == (7, 6):
-        out = A.doubles(42)
-        ok = lib.QZ_LeftPsoInv76(A.matrix(m, 7, 6, "m"), out)
-        result = lambda: A.to_rows(out, 6, 7)  # noqa: E731
-    else:
-        raise ValueError("pinv: a 6x7 or 7x6 matrix given as rows")
-    if not ok:
-        raise SingularError("rank-deficient Jacobian")
-    return result()
+def pinv(m) -> np.ndarray:
+    """Moore-Penrose pseudo-inverse of a (6, 7) or (7, 6) Jacobian by the normal equations (no
+    damping); SingularError when the Gram matrix is singular, InvalidArgumentError for NaN or
+    infinite entries."""
+    x = _matrix(m, "m")
+    if x.shape not in ((6, 7), (7, 6)):
+        raise ValueError("m: expected shape (6, 7) or (7, 6), got %s" % (x.shape,))
+    out = np.zeros(x.shape[::-1])
+    fn = raw.QZ_RightPsoInv67 if x.shape == (6, 7) else raw.QZ_LeftPsoInv76
+    if not fn(A.addr(x), A.addr(out)):
+        _singular(x, "rank-deficient Jacobian")
+    return out
 
 
-def cholesky(m):
+def cholesky(m) -> np.ndarray:
     """Lower Cholesky factor of a symmetric positive definite n-by-n matrix (n = 1..7); only
     the lower triangle is read. SingularError when not positive definite."""
-    x, n = A.square(m, "m", range(1, 8))
+    x = _matrix(m, "m", range(1, 8), square=True)
+    n = len(x)
     stride = 6 if n <= 6 else 7
-    buf = A.doubles(stride * stride)
-    for r in range(n):
-        buf[stride * r:stride * r + n] = x[n * r:n * r + n]
-    out = A.doubles(stride * stride)
-    fn = lib.Cholesky if stride == 6 else lib.Cholesky7
-    if fn(buf, out, n) != 0:
-        raise SingularError("matrix not positive definite")
-    return [list(out[stride * r:stride * r + n]) for r in range(n)]
+    buf, out = np.zeros((stride, stride)), np.zeros((stride, stride))
+    buf[:n, :n] = x
+    if (raw.Cholesky if stride == 6 else raw.Cholesky7)(A.addr(buf), A.addr(out), n) != 0:
+        _singular(x, "matrix not positive definite")
+    return out[:n, :n].copy()
 
 
-def vmv(v, m):
+def vmv(v, m) -> float:
     """v^T M v for an n-by-n M (n = 1..7)."""
-    x, n = A.square(m, "m", range(1, 8))
-    buf = A.doubles(49)
-    for r in range(n):
-        buf[7 * r:7 * r + n] = x[n * r:n * r + n]
-    return lib.VMV(A.vector(v, n, "v"), buf, n)
+    x = _matrix(m, "m", range(1, 8), square=True)
+    buf = np.zeros((7, 7))
+    buf[:len(x), :len(x)] = x
+    return raw.VMV(A.addr(A.array(v, "v", (len(x),))), A.addr(buf), len(x))
 
 
-def eig(m, eps=1e-15):
+def eig(m, eps: float = 1e-15):
     """Eigenvalues and eigenvectors of a symmetric n-by-n matrix (n = 1..8) by the threshold
-    Jacobi method: (values, vectors) with vectors[k] the unit eigenvector of values[k]; not
-    sorted. ConvergenceError when the method is refused or stops (see eig in QZMatrix.h)."""
-    x, n = A.square(m, "m", range(1, 9))
-    if not eps > 0:
-        raise ValueError("eig: eps must be positive")
-    v = A.doubles(n * n)
-    if not lib.eig(n, x, v, eps):
+    Jacobi method: (values (n,), vectors (n, n)) with vectors[k] the unit eigenvector of
+    values[k]; not sorted. ConvergenceError when the method is refused or stops."""
+    x = _matrix(m, "m", range(1, 9), square=True)
+    e = A.finite(eps, "eps")
+    if not e > 0:
+        raise InvalidArgumentError("eps: must be positive, got %g" % e)
+    n = len(x)
+    v = np.zeros((n, n))
+    if not raw.eig(n, A.addr(x), A.addr(v), e):
         raise ConvergenceError("eig refused the matrix or did not converge")
-    cols = A.to_rows(v, n, n)
-    return [x[k * n + k] for k in range(n)], [[cols[i][k] for i in range(n)] for k in range(n)]
+    return np.diagonal(x).copy(), v.T.copy()
 
 
-def generalized_eig(a, b, eps=1e-15):
+def generalized_eig(a, b, eps: float = 1e-15):
     """A x = lambda B x for symmetric 6x6 or 7x7 A and positive definite B: (values, vectors)
     with vectors[k] belonging to values[k], scaled so that x^T B x = 1, in the library's order.
     SingularError for a B that is not positive definite or an eig that fails."""
-    x, n = A.square(a, "a", (6, 7))
-    y = A.vector(b, n * n, "b")
-    v, lam = A.doubles(n * n), A.doubles(n)
-    solve = lib.generalized_eig if n == 6 else lib.generalized_eig7
-    ok = solve(eps, x, y, v, lam)
-    if not ok:
+    x = _matrix(a, "a", (6, 7), square=True)
+    n = len(x)
+    y = A.array(b, "b", (n, n))
+    e = A.finite(eps, "eps")
+    v, lam = np.zeros((n, n)), np.zeros(n)
+    solve = raw.generalized_eig if n == 6 else raw.generalized_eig7
+    if not solve(e, A.addr(x), A.addr(y), A.addr(v), A.addr(lam)):
         raise SingularError("B not positive definite, or the eigen decomposition failed")
-    cols = A.to_rows(v, n, n)
-    return A.to_list(lam), [[cols[i][k] for i in range(n)] for k in range(n)]
+    return lam, v.T.copy()

@@ -1,261 +1,462 @@
 """The tracker families as classes that own their record.
 
-Every class keeps its C record in `.state` (a ctypes Structure from qzmath.records), so a
-tracker tuned here can be inspected field by field, or copied into a controller's memory
-unchanged. Cycle times are in milliseconds, limits in units/s, units/s^2 and units/s^3.
+Units: cycle times in milliseconds, positions in the caller's unit, limits in units/s, units/s^2
+and units/s^3. At construction the library clamps the cycle time to [1, 1000] ms, velocity limits
+to [0.1, 200] units/s and acceleration limits to [1, 1000] units/s^2 (docs/units-and-limits.md
+shows how to scale the unit to stay inside them); a clamped value raises a QZMathWarning naming
+the value in effect. At run time (set_limits) limits are taken unclamped, but a request within
+0.1 of the current one is ignored by the library, and that too raises a QZMathWarning.
+
+Every tracker has step(target) for one cycle and run(targets) or run(target, cycles) for many,
+returning a Path of (N, axes) arrays ((N,) for the single-axis trackers). `.state` is a copy of
+the C record (a ctypes Structure from qzmath.records), to inspect field by field.
 """
 import collections
 import ctypes
+import math
 
-from ._api import lib
+import numpy as np
+
+from ._api import raw
 from . import _arrays as A
 from .errors import InvalidArgumentError, StateError
 from .records import QZNSyncDTSMState, QZNSyncDTSState, QZVDTMState, QZVDTState
 
-PVA = collections.namedtuple("PVA", "pos vel acc")
+Path = collections.namedtuple("Path", "pos vel acc")
+Path.__doc__ = """Result of run(): commanded positions, and velocities and accelerations where the
+tracker's record holds them (None where it does not), one row per cycle."""
 TargetPVA = collections.namedtuple("TargetPVA", "target pos vel acc")
 
+VEL_RANGE = (0.1, 200.0)     # units/s, clamped at construction
+ACC_RANGE = (1.0, 1000.0)    # units/s^2, clamped at construction
+CYCLE_RANGE = (1.0, 1000.0)  # ms, clamped at construction
+_MAX_CYCLES = 2 ** 31 - 1
 
-def _check(ok, what):
-    if not ok:
-        raise StateError("%s refused: the record is not initialised" % what)
+
+def _refused(what):
+    raise StateError("%s refused: the record is not initialised" % what)
 
 
-class Tracker:
-    """Single axis moved towards its target within a velocity and an acceleration limit.
+class _Record:
+    """Owner of one C record; `.state` hands out copies, so the record itself cannot be put in a
+    state that the library's functions would misread."""
 
-    The first step after construction or reset() outputs the target itself at rest.
-    """
+    _Rec = None
 
-    def __init__(self, cycle_ms, vel_limit, acc_limit):
-        self.state = QZVDTState()
-        lib.QZVDT_OnInit(ctypes.byref(self.state), cycle_ms, vel_limit, acc_limit)
-        self._out = ctypes.c_double()
+    def __init__(self):
+        self._rec = self._Rec()
+        self._p = ctypes.addressof(self._rec)
 
-    def step(self, target):
+    @property
+    def state(self):
+        """A copy of the C record."""
+        return type(self._rec).from_buffer_copy(self._rec)
+
+
+def _init_limits(cycle_ms, vel, acc, vname, aname):
+    """Checks construction parameters and warns where the library will clamp them."""
+    cycle = A.finite(cycle_ms, "cycle_ms")
+    A.clamped(cycle, *CYCLE_RANGE, "cycle_ms", " ms")
+    for i, (v, a) in enumerate(zip(vel, acc)):
+        A.clamped(v, *VEL_RANGE, vname.replace("%d", str(i)), " units/s")
+        A.clamped(a, *ACC_RANGE, aname.replace("%d", str(i)), " units/s^2")
+    return cycle
+
+
+def _positive_limits(values, name):
+    a = A.finite_array(values, name)
+    if not (a > 0).all():
+        raise InvalidArgumentError("%s: limits must be positive, got %s" % (name, a.tolist()))
+    return a
+
+
+def _dead_band(axis, before, vel, acc, label):
+    """The warning text when a run-time request left an axis's (requested velocity,
+    acceleration) limits unchanged though it asked for other values (the library's 0.1 dead
+    band), else None."""
+    after = (axis.velLmtTarget, axis.accLmt)
+    asked = (before[0] if vel is None else vel, before[1] if acc is None else acc)
+    if after == before and asked != before:
+        return ("%sthe request (vel %s, acc %s) lies within 0.1 of the current one and is"
+                " ignored: vel %g, acc %g stay in effect"
+                % (label, "-" if vel is None else "%g" % vel, "-" if acc is None else "%g" % acc,
+                   after[0], after[1]))
+    return None
+
+
+def _warn_all(messages):
+    messages = [m for m in messages if m]
+    if messages:
+        A.warn("set_limits: " + "; ".join(messages))
+
+
+class _Tracker(_Record):
+    """run() shared by every tracker: _one is the shape of one target, _run steps an (N, ...)
+    array of targets."""
+
+    _one = ()
+
+    def run(self, targets, cycles=None):
+        """Steps once per target of an (N, axes) array (N values for a single axis), or `cycles`
+        times towards one target; returns a Path of (N, axes) arrays."""
+        if cycles is None:
+            t = A.array(targets, "targets", self._one, batch=True)
+            if t.ndim != len(self._one) + 1:
+                want = "(N, %d)" % self._one[0] if self._one else "(N,)"
+                raise ValueError("targets: expected shape %s, got %s (or give one target and"
+                                 " cycles)" % (want, t.shape))
+        else:
+            n = A.integer(cycles, "cycles", 0, _MAX_CYCLES)
+            one = A.array(targets, "targets", self._one)
+            t = np.ascontiguousarray(np.broadcast_to(one, (n,) + self._one))
+        return self._run(t)
+
+
+class Tracker(_Tracker):
+    """One axis moved towards its target within a velocity and an acceleration limit by the
+    time-optimal law. The first step after construction or reset() outputs the target itself at
+    rest."""
+
+    _Rec = QZVDTState
+
+    def __init__(self, cycle_ms: float, vel_limit: float, acc_limit: float):
+        super().__init__()
+        v, a = A.finite(vel_limit, "vel_limit"), A.finite(acc_limit, "acc_limit")
+        cycle = _init_limits(cycle_ms, [v], [a], "vel_limit", "acc_limit")
+        raw.QZVDT_OnInit(self._p, cycle, v, a)
+        self._out = np.zeros(1)
+
+    def step(self, target: float) -> float:
         """One control cycle towards target; returns the commanded position."""
-        _check(lib.QZVDT_OnDT(ctypes.byref(self.state), target, ctypes.byref(self._out)),
-               "step")
-        return self._out.value
+        if not raw.QZVDT_OnDT(self._p, A.real(target, "target"), A.addr(self._out)):
+            _refused("step")
+        return float(self._out[0])
 
-    def run(self, targets):
-        """Steps once per target of an iterable; returns the commanded positions."""
-        return [self.step(t) for t in targets]
+    def _run(self, t):
+        pos, vel = np.empty(len(t)), np.empty(len(t))
+        f, s, rec, out = raw.QZVDT_OnDT, self._p, self._rec, A.base(pos)
+        for i, x in enumerate(t.tolist()):
+            if not f(s, x, out + 8 * i):
+                _refused("run")
+            vel[i] = rec.vel
+        return Path(pos, vel, None)
 
-    def reset(self):
+    def reset(self) -> None:
         """Makes the next step snap to its target (after the axis was moved by other means)."""
-        _check(lib.QZVDT_OnEmpty(ctypes.byref(self.state)), "reset")
+        if not raw.QZVDT_OnEmpty(self._p):
+            _refused("reset")
 
-    def set_limits(self, vel=None, acc=None):
-        """Requests new run-time limits; a lowered velocity limit takes effect after a ramp
-        down. Either may be left out to keep it."""
-        s = ctypes.byref(self.state)
-        if vel is not None and acc is not None:
-            ok = lib.QZVDT_OnSetRunTimeLmt(s, vel, acc)
-        elif vel is not None:
-            ok = lib.QZVDT_OnSetRunTimeVel(s, vel)
-        elif acc is not None:
-            ok = lib.QZVDT_OnSetRunTimeAcc(s, acc)
+    def set_limits(self, vel: float = None, acc: float = None) -> None:
+        """Requests run-time limits (units/s, units/s^2), taken unclamped; either may be left out.
+        A lowered velocity limit takes effect after a ramp down. The library ignores a request
+        within 0.1 of the current one (QZMathWarning)."""
+        v = None if vel is None else float(_positive_limits([vel], "vel")[0])
+        a = None if acc is None else float(_positive_limits([acc], "acc")[0])
+        before = (self._rec.velLmtTarget, self._rec.accLmt)
+        if v is not None and a is not None:
+            ok = raw.QZVDT_OnSetRunTimeLmt(self._p, v, a)
+        elif v is not None:
+            ok = raw.QZVDT_OnSetRunTimeVel(self._p, v)
+        elif a is not None:
+            ok = raw.QZVDT_OnSetRunTimeAcc(self._p, a)
         else:
             return
-        _check(ok, "set_limits")
+        if not ok:
+            _refused("set_limits")
+        _warn_all([_dead_band(self._rec, before, v, a, "")])
 
-    position = property(lambda self: self.state.pos, doc="commanded position")
-    velocity = property(lambda self: self.state.vel, doc="velocity (units/s)")
-    vel_limit = property(lambda self: self.state.velLmt, doc="active velocity limit")
-    acc_limit = property(lambda self: self.state.accLmt, doc="acceleration limit")
-    cycle_s = property(lambda self: self.state.baseDt, doc="cycle time (s)")
+    position = property(lambda self: self._rec.pos, doc="commanded position (units)")
+    velocity = property(lambda self: self._rec.vel, doc="velocity (units/s)")
+    vel_limit = property(lambda self: self._rec.velLmt, doc="active velocity limit (units/s)")
+    acc_limit = property(lambda self: self._rec.accLmt, doc="acceleration limit (units/s^2)")
+    cycle_s = property(lambda self: self._rec.baseDt, doc="cycle time (s)")
 
 
-class MultiStageTracker:
-    """Single axis: a main tracker and three correction stages that track the error it leaves.
+def _stage_shares(v, a, mode):
+    """Velocity and acceleration limits of the four stages of a multi-stage tracker."""
+    v0 = (v * 69.0) / 90.0 if mode == 1 else v
+    return [(v0, a), (v / 6.0, 2.0 * a), (v / 18.0, 2.0 * a), (v / 90.0, a)]
 
-    mode 0 is the plain tracker; other modes run the cascade (mode 1 also slows the main stage
-    to 69/90 of the velocity limit).
-    """
 
-    def __init__(self, cycle_ms, vel_limit, acc_limit, mode=1):
-        self.state = QZVDTMState()
-        lib.QZVDT_OnInitM(ctypes.byref(self.state), cycle_ms, vel_limit, acc_limit, mode)
-        # The initialiser leaves the mode to the owner of a stand-alone record.
-        self.state.mode = mode
-        self._out = ctypes.c_double()
+def _stage_clamps(v, a, mode, label):
+    for k, (vs, as_) in enumerate(_stage_shares(v, a, mode)):
+        A.clamped(vs, *VEL_RANGE, "%sstage %d's share of the velocity limit" % (label, k),
+                  " units/s")
+        A.clamped(as_, *ACC_RANGE, "%sstage %d's share of the acceleration limit" % (label, k),
+                  " units/s^2")
+
+
+class MultiStageTracker(_Tracker):
+    """One axis: a main tracker and three correction stages that track the error it leaves.
+    mode 0 is the plain tracker; other modes run the cascade (mode 1 also slows the main stage to
+    69/90 of the velocity limit). The stages get V (69V/90 in mode 1), V/6, V/18, V/90 with A, 2A,
+    2A, A, each clamped to the tracker's ranges."""
+
+    _Rec = QZVDTMState
+
+    def __init__(self, cycle_ms: float, vel_limit: float, acc_limit: float, mode: int = 1):
+        super().__init__()
+        v, a = A.finite(vel_limit, "vel_limit"), A.finite(acc_limit, "acc_limit")
+        m = A.integer(mode, "mode", -2 ** 31, 2 ** 31 - 1)
+        cycle = A.finite(cycle_ms, "cycle_ms")
+        A.clamped(cycle, *CYCLE_RANGE, "cycle_ms", " ms")
+        _stage_clamps(v, a, m, "")
+        raw.QZVDT_OnInitM(self._p, cycle, v, a, m)
+        self._rec.mode = m  # the initialiser leaves the mode to the owner of a stand-alone record
+        self._out = np.zeros(1)
 
     @property
-    def mode(self):
-        return self.state.mode
+    def mode(self) -> int:
+        return self._rec.mode
 
-    def step(self, target):
+    def step(self, target: float) -> float:
         """One control cycle towards target; returns the commanded position (sum of stages)."""
-        _check(lib.QZVDT_OnDT_BM(ctypes.byref(self.state), target, ctypes.byref(self._out)),
-               "step")
-        return self._out.value
+        if not raw.QZVDT_OnDT_BM(self._p, A.real(target, "target"), A.addr(self._out)):
+            _refused("step")
+        return float(self._out[0])
 
-    def run(self, targets):
-        return [self.step(t) for t in targets]
+    def _run(self, t):
+        pos = np.empty(len(t))
+        f, s, out = raw.QZVDT_OnDT_BM, self._p, A.base(pos)
+        for i, x in enumerate(t.tolist()):
+            if not f(s, x, out + 8 * i):
+                _refused("run")
+        return Path(pos, None, None)
 
-    def reset(self):
+    def reset(self) -> None:
         """Makes every stage snap on its next step."""
-        _check(lib.QZVDT_OnEmptyM(ctypes.byref(self.state)), "reset")
+        raw.QZVDT_OnEmptyM(self._p)
 
-    def set_limits(self, vel, acc):
-        """Run-time velocity and acceleration limits for all four stages."""
-        _check(lib.QZVDT_OnSetRunTimeLmtM(ctypes.byref(self.state), vel, acc, self.mode),
-               "set_limits")
+    def set_limits(self, vel: float, acc: float) -> None:
+        """Run-time velocity and acceleration limits for all four stages (units/s, units/s^2);
+        a request that stage 0 ignores (within 0.1) raises a QZMathWarning."""
+        v, a = _positive_limits([vel, acc], "vel, acc").tolist()
+        stage0 = self._rec.stage[0]
+        before = (stage0.velLmtTarget, stage0.accLmt)
+        raw.QZVDT_OnSetRunTimeLmtM(self._p, v, a, self.mode)
+        _warn_all([_dead_band(stage0, before, _stage_shares(v, a, self.mode)[0][0], a,
+                              "stage 0: ")])
 
 
-class _NAxis:
+class _NAxis(_Tracker):
     """Shared calls of the two N-axis smoothed trackers."""
 
-    _n = 0
+    _SPAN = (3, 30)
+
+    def _setup(self, cycle_ms, vel_limits, acc_limits, jerk_limits):
+        n = len(A.array(vel_limits, "vel_limits"))
+        vel = A.per_axis(vel_limits, "vel_limits")
+        acc = A.per_axis(acc_limits, "acc_limits", n=n)
+        jerk = A.per_axis(jerk_limits, "jerk_limits", n=n)
+        for name, arr in (("vel_limits", vel), ("acc_limits", acc), ("jerk_limits", jerk)):
+            if not np.isfinite(arr).all():
+                raise InvalidArgumentError("%s: must be finite, got %s" % (name, arr[:n].tolist()))
+        self._n, self._one = n, (n,)
+        return vel, acc, jerk
+
+    def _span_warnings(self, cycle, acc, jerk):
+        """Warns where an averaging span, trunc(1000 acc / jerk / cycle_ms) cycles, is clamped:
+        the jerk the smoothing allows is then about acc / (span * cycle) instead."""
+        lo, hi = self._SPAN
+        dt = min(max(cycle, CYCLE_RANGE[0]), CYCLE_RANGE[1]) / 1000.0
+        msgs = []
+        for i in range(self._n):
+            want = (1000.0 * acc[i] / jerk[i]) / cycle
+            span = self._rec.avgLen[i]
+            if not lo <= math.trunc(want) <= hi:
+                a = min(max(acc[i], ACC_RANGE[0]), ACC_RANGE[1])
+                msgs.append("axis %d: %.4g cycles clamped to %d (jerk about %.4g instead of %g)"
+                            % (i, want, span, a / (span * dt), jerk[i]))
+        if msgs:
+            A.warn("jerk_limits: averaging spans outside [%d, %d] cycles: %s"
+                   % (lo, hi, "; ".join(msgs)))
 
     @property
-    def axes(self):
+    def axes(self) -> int:
         return self._n
 
     @property
-    def spans(self):
+    def spans(self) -> np.ndarray:
         """Averaging span of each axis, in cycles."""
-        return list(self.state.avgLen[: self._n])
+        return np.array(self._rec.avgLen[: self._n])
 
     def _targets(self, targets):
-        return A.per_axis(targets, self._n, "targets")
+        return A.per_axis(targets, "targets", n=self._n)
 
-    def _limits(self, values, what):
-        return A.per_axis(values, self._n, what)
+    def _current(self, fn):
+        t, pos, vel, acc = (np.zeros(8) for _ in range(4))
+        if not fn(self._p, A.addr(t), A.addr(pos), A.addr(vel), A.addr(acc)):
+            raise StateError("current() refused: a reset is pending until the next step")
+        n = self._n
+        return TargetPVA(t[:n], pos[:n], vel[:n], acc[:n])
 
-    def _outs(self, count):
-        return [A.doubles(8) for _ in range(count)]
+    def _set_limits(self, vel, acc, both, vel_only, acc_only):
+        v = None if vel is None else _positive_limits(vel, "vel")
+        a = None if acc is None else _positive_limits(acc, "acc")
+        for name, x in (("vel", v), ("acc", a)):
+            if x is not None and len(x) != self._n:
+                raise ValueError("%s: expected %d values (one per axis), got %d"
+                                 % (name, self._n, len(x)))
+        pad = lambda x: np.concatenate([x, np.zeros(8 - self._n)])  # noqa: E731
+        axes = [self._stage0(i) for i in range(self._n)]
+        before = [(ax.velLmtTarget, ax.accLmt) for ax in axes]
+        if v is not None and a is not None:
+            ok = both(self._p, A.addr(pad(v)), A.addr(pad(a)))
+        elif v is not None:
+            ok = vel_only(self._p, A.addr(pad(v)))
+        elif a is not None:
+            ok = acc_only(self._p, A.addr(pad(a)))
+        else:
+            return
+        if not ok:
+            _refused("set_limits")
+        _warn_all([_dead_band(ax, before[i], None if v is None else self._share(v)[i],
+                              None if a is None else a[i], "axis %d: " % i)
+                   for i, ax in enumerate(axes)])
 
-    def run(self, targets, cycles):
-        """Steps `cycles` times towards fixed targets; returns a list of PVA per cycle."""
-        return [self.step_pva(targets) for _ in range(cycles)]
+    def _share(self, v):
+        return v
 
 
 class SmoothedTracker(_NAxis):
     """Up to eight axes, each a single-axis tracker whose output passes a moving average sized
-    from its jerk limit, so the smoothed motion is limited in jerk too. The axes are not
-    synchronised in time: each reaches its target on its own schedule."""
+    from its jerk limit (span trunc(1000 acc / jerk / cycle_ms) cycles, clamped to [3, 30]), so
+    the smoothed motion is limited in jerk too. The axes are not synchronised in time. Jerk
+    limits must lie in [1, 1e12] units/s^3."""
 
-    def __init__(self, cycle_ms, vel_limits, acc_limits, jerk_limits):
-        vel, n = A.axes(vel_limits, "vel_limits")
-        acc = A.per_axis(acc_limits, n, "acc_limits")
-        jerk = A.per_axis(jerk_limits, n, "jerk_limits")
-        self.state = QZNSyncDTSState()
-        self._n = n
-        if not lib.QZNSyncDTS_OnInit(ctypes.byref(self.state), n, cycle_ms, vel, acc, jerk):
-            raise InvalidArgumentError("jerk limits must lie in [1, 1e12]")
+    _Rec = QZNSyncDTSState
 
-    def step(self, targets):
+    def __init__(self, cycle_ms: float, vel_limits, acc_limits, jerk_limits):
+        super().__init__()
+        vel, acc, jerk = self._setup(cycle_ms, vel_limits, acc_limits, jerk_limits)
+        for i in range(self._n):
+            if not 1.0 <= jerk[i] <= 1e12:
+                raise InvalidArgumentError("jerk_limits[%d]: must lie in [1, 1e12], got %g"
+                                           % (i, jerk[i]))
+        cycle = _init_limits(cycle_ms, vel[:self._n], acc[:self._n], "vel_limits[%d]",
+                             "acc_limits[%d]")
+        if not raw.QZNSyncDTS_OnInit(self._p, self._n, cycle, A.addr(vel), A.addr(acc),
+                                     A.addr(jerk)):
+            raise InvalidArgumentError("the library refused the limits")
+        self._span_warnings(cycle, acc, jerk)
+        self._pos = np.zeros(8)
+
+    def _stage0(self, i):
+        return self._rec.axis[i]
+
+    def step(self, targets) -> np.ndarray:
         """One control cycle towards the targets; returns the smoothed positions."""
-        pos, = self._outs(1)
-        _check(lib.QZNSyncDTS_OnDT(ctypes.byref(self.state), self._targets(targets), pos), "step")
-        return A.to_list(pos, self._n)
+        if not raw.QZNSyncDTS_OnDT(self._p, A.addr(self._targets(targets)), A.addr(self._pos)):
+            _refused("step")
+        return self._pos[:self._n].copy()
 
-    def step_pva(self, targets):
-        """One control cycle; returns the smoothed positions, velocities and accelerations."""
-        pos, vel, acc = self._outs(3)
-        _check(lib.QZNSyncDTS_OnDT2(ctypes.byref(self.state), self._targets(targets), pos, vel,
-                                    acc), "step_pva")
-        n = self._n
-        return PVA(A.to_list(pos, n), A.to_list(vel, n), A.to_list(acc, n))
+    def _run(self, t):
+        pos, vel, acc = (np.empty(t.shape) for _ in range(3))
+        f, s, row = raw.QZNSyncDTS_OnDT2, self._p, 8 * self._n
+        pt, pp, pv, pa = A.base(t), A.base(pos), A.base(vel), A.base(acc)
+        for k in range(0, row * len(t), row):
+            if not f(s, pt + k, pp + k, pv + k, pa + k):
+                _refused("run")
+        return Path(pos, vel, acc)
 
-    def hold(self):
+    def hold(self) -> np.ndarray:
         """One control cycle towards the targets of the last step."""
-        pos, = self._outs(1)
-        _check(lib.QZNSyncDTS_OnDT_NoChange(ctypes.byref(self.state), pos), "hold")
-        return A.to_list(pos, self._n)
+        if not raw.QZNSyncDTS_OnDT_NoChange(self._p, A.addr(self._pos)):
+            _refused("hold")
+        return self._pos[:self._n].copy()
 
-    def reset(self):
+    def reset(self) -> None:
         """Makes the next step start every axis afresh at its target."""
-        _check(lib.QZNSyncDTS_OnEmpty(ctypes.byref(self.state)), "reset")
+        if not raw.QZNSyncDTS_OnEmpty(self._p):
+            _refused("reset")
 
-    def set_limits(self, vel=None, acc=None):
-        """Per-axis run-time limits; either may be left out to keep it. Spans are kept."""
-        s = ctypes.byref(self.state)
-        if vel is not None and acc is not None:
-            ok = lib.QZNSyncDTS_OnSetRunTimeLmt(s, self._limits(vel, "vel"),
-                                                self._limits(acc, "acc"))
-        elif vel is not None:
-            ok = lib.QZNSyncDTS_OnSetRunTimeVel(s, self._limits(vel, "vel"))
-        elif acc is not None:
-            ok = lib.QZNSyncDTS_OnSetRunTimeAcc(s, self._limits(acc, "acc"))
-        else:
-            return
-        _check(ok, "set_limits")
+    def set_limits(self, vel=None, acc=None) -> None:
+        """Per-axis run-time limits (units/s, units/s^2), unclamped; either may be left out.
+        Spans are kept. An axis that ignores its request (within 0.1) raises a QZMathWarning."""
+        self._set_limits(vel, acc, raw.QZNSyncDTS_OnSetRunTimeLmt, raw.QZNSyncDTS_OnSetRunTimeVel,
+                         raw.QZNSyncDTS_OnSetRunTimeAcc)
 
-    def current(self):
+    def current(self) -> TargetPVA:
         """Last targets and smoothed positions, velocities and accelerations. Raises StateError
         while a reset is pending."""
-        t, pos, vel, acc = self._outs(4)
-        if not lib.QZNSyncDTS_OnGetCurPVA(ctypes.byref(self.state), t, pos, vel, acc):
-            raise StateError("current() refused: not initialised or a reset is pending")
-        n = self._n
-        return TargetPVA(A.to_list(t, n), A.to_list(pos, n), A.to_list(vel, n), A.to_list(acc, n))
+        return self._current(raw.QZNSyncDTS_OnGetCurPVA)
 
 
 class SmoothedMultiStageTracker(_NAxis):
     """Up to eight axes, each a multi-stage tracker, smoothed by a moving average as in
-    SmoothedTracker. One mode for all axes; jerk limits are clamped to [1000, 1e7]."""
+    SmoothedTracker. One mode for all axes; jerk limits are clamped to [1000, 1e7] units/s^3 and
+    spans to [5, 100] cycles (mode 0; mode 1 uses 5, other modes 20)."""
 
-    def __init__(self, cycle_ms, vel_limits, acc_limits, jerk_limits, mode=0):
-        vel, n = A.axes(vel_limits, "vel_limits")
-        acc = A.per_axis(acc_limits, n, "acc_limits")
-        jerk = A.per_axis(jerk_limits, n, "jerk_limits")
-        self.state = QZNSyncDTSMState()
-        self._n = n
-        if not lib.QZNSyncDTS_OnInitM(ctypes.byref(self.state), n, cycle_ms, vel, acc, jerk,
-                                      mode):
-            raise InvalidArgumentError("axis count must lie in 1..8")
-        self.jerk_limits = A.to_list(jerk, n)  # as clamped by the initialiser
+    _Rec = QZNSyncDTSMState
+    _SPAN = (5, 100)
 
-    @property
-    def mode(self):
-        return self.state.axis[0].mode
-
-    @property
-    def target_jumps(self):
-        """Per axis, whether a target has moved faster than the axis may follow (sticky)."""
-        return [bool(self.state.axis[i].targetJump) for i in range(self._n)]
-
-    def clear_target_jumps(self):
+    def __init__(self, cycle_ms: float, vel_limits, acc_limits, jerk_limits, mode: int = 0):
+        super().__init__()
+        vel, acc, jerk = self._setup(cycle_ms, vel_limits, acc_limits, jerk_limits)
+        m = A.integer(mode, "mode", -2 ** 31, 2 ** 31 - 1)
+        cycle = A.finite(cycle_ms, "cycle_ms")
+        A.clamped(cycle, *CYCLE_RANGE, "cycle_ms", " ms")
         for i in range(self._n):
-            self.state.axis[i].targetJump = 0
+            _stage_clamps(vel[i], acc[i], m, "axis %d: " % i)
+            A.clamped(jerk[i], 1000.0, 1e7, "jerk_limits[%d]" % i, " units/s^3")
+        if not raw.QZNSyncDTS_OnInitM(self._p, self._n, cycle, A.addr(vel), A.addr(acc),
+                                      A.addr(jerk), m):
+            raise InvalidArgumentError("the library refused the limits")
+        if m == 0:
+            self._span_warnings(cycle, acc, jerk)
+        self.jerk_limits = jerk[:self._n].copy()  # as clamped by the initialiser
+        self._pos, self._scratch = np.zeros(8), np.zeros(16)
 
-    def step(self, targets):
+    def _stage0(self, i):
+        return self._rec.axis[i].stage[0]
+
+    def _share(self, v):
+        return np.array([_stage_shares(x, 1.0, self.mode)[0][0] for x in v])
+
+    @property
+    def mode(self) -> int:
+        return self._rec.axis[0].mode
+
+    @property
+    def target_jumps(self) -> np.ndarray:
+        """Per axis, whether a target has moved faster than the axis may follow (sticky)."""
+        return np.array([bool(self._rec.axis[i].targetJump) for i in range(self._n)])
+
+    def clear_target_jumps(self) -> None:
+        for i in range(self._n):
+            self._rec.axis[i].targetJump = 0
+
+    def step(self, targets) -> np.ndarray:
         """One control cycle towards the targets; returns the smoothed positions."""
-        pos, = self._outs(1)
-        _check(lib.QZNSyncDTS_OnDTM(ctypes.byref(self.state), self._targets(targets), pos),
-               "step")
-        return A.to_list(pos, self._n)
+        if not raw.QZNSyncDTS_OnDTM(self._p, A.addr(self._targets(targets)), A.addr(self._pos)):
+            _refused("step")
+        return self._pos[:self._n].copy()
 
-    def step_pva(self, targets):
-        """One control cycle; returns the smoothed positions, velocities and accelerations."""
-        self.step(targets)
-        c = self.current()
-        return PVA(c.pos, c.vel, c.acc)
+    def _run(self, t):
+        pos, vel, acc = (np.empty(t.shape) for _ in range(3))
+        f, get, s, row = raw.QZNSyncDTS_OnDTM, raw.QZNSyncDTS_OnGetCurPVAM, self._p, 8 * self._n
+        pt, pp, pv, pa = A.base(t), A.base(pos), A.base(vel), A.base(acc)
+        st, sp = A.base(self._scratch), A.base(self._scratch) + 64
+        for k in range(0, row * len(t), row):
+            if not f(s, pt + k, pp + k):
+                _refused("run")
+            get(s, st, sp, pv + k, pa + k)
+        return Path(pos, vel, acc)
 
-    def hold(self):
+    def hold(self) -> np.ndarray:
         """One control cycle towards the stored targets. Raises StateError while a reset is
         pending."""
-        pos, = self._outs(1)
-        if not lib.QZNSyncDTS_OnDT_UM(ctypes.byref(self.state), pos):
-            raise StateError("hold() refused: not initialised or a reset is pending")
-        return A.to_list(pos, self._n)
+        if not raw.QZNSyncDTS_OnDT_UM(self._p, A.addr(self._pos)):
+            raise StateError("hold() refused: a reset is pending until the next step")
+        return self._pos[:self._n].copy()
 
-    def reset(self):
-        _check(lib.QZNSyncDTS_OnEmptyM(ctypes.byref(self.state)), "reset")
+    def reset(self) -> None:
+        if not raw.QZNSyncDTS_OnEmptyM(self._p):
+            _refused("reset")
 
-    def set_limits(self, vel, acc):
-        """Per-axis run-time velocity and acceleration limits; spans are kept."""
-        _check(lib.QZNSyncDTS_OnSetRunTimeLmtM(ctypes.byref(self.state), self._limits(vel, "vel"),
-                                               self._limits(acc, "acc")), "set_limits")
-
-    def current(self):
-        """Last targets and smoothed positions, velocities and accelerations. Raises StateError
-        while a reset is pending."""
-        t, pos, vel, acc = self._outs(4)
-        if not lib.QZNSyncDTS_OnGetCurPVAM(ctypes.byref(self.state), t, pos, vel, acc):
-            raise StateError("current() refused: not initialised or a reset is pending")
-        n = self._n
-        return TargetPVA(A.to_list(t, n), A.to_list(pos, n), A.to_list(vel, n), A.to_list(acc, n))
+    def set_limits(self, vel, acc) -> None:
+        """Per-axis run-time velocity and acceleration limits; spans are kept. An axis whose
+        stage 0 ignores its request (within 0.1) raises a QZMathWarning."""
+        if vel is None or acc is None:
+            raise TypeError("set_limits: vel and acc are both needed, got None")
+        self._set_limits(vel, acc, raw.QZNSyncDTS_OnSetRunTimeLmtM, None, None)

@@ -1,6 +1,6 @@
-# Imports the package from the source tree; the library comes from QZMATH_LIB (set by CTest) or
-# the package's own search.
+# Tests the package of this source tree, or with QZMATH_TEST_INSTALLED=1 the installed one.
 import os
 import sys
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+if not os.environ.get("QZMATH_TEST_INSTALLED"):
+    sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))

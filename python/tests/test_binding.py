@@ -3,6 +3,7 @@ import ctypes
 import ctypes.util
 import os
 import re
+import shutil
 import subprocess
 import sys
 
@@ -68,16 +69,17 @@ def test_prototypes_declare_every_header_function_with_its_c_types():
     assert sorted(table) == sorted(headers)
     for name, (res, args) in headers.items():
         assert table[name] == (res, args), name
-        fn = getattr(qzmath.lib, name)  # present in the library loaded
+        fn = getattr(qzmath.unchecked, name)  # present in the library loaded
         assert fn.restype == _api.ctype(res), name
         assert fn.argtypes == [_api.ctype(a) for a in args], name
 
 
-def test_the_library_asked_for_is_the_one_loaded():
+def test_the_library_asked_for_is_the_one_loaded_and_the_unchecked_table_is_its_prototypes():
     env = os.environ.get("QZMATH_LIB")
     if not env or os.path.isdir(env):
         pytest.skip("QZMATH_LIB does not name a library file")
-    assert os.path.samefile(qzmath.lib._name, env)
+    assert os.path.samefile(qzmath.LIBRARY_PATH, env)
+    assert qzmath.unchecked is _api.lib and qzmath.unchecked.QZ_Sqrt(4.0) == 2.0
 
 
 def test_a_library_of_another_major_version_or_none_is_refused_by_name():
@@ -88,32 +90,41 @@ def test_a_library_of_another_major_version_or_none_is_refused_by_name():
                        r"/opt/other/libQZMath\.so\.2 is libQZMath 2\.1\.3"):
         _api.check_version(Foreign())
     # A library that is no QZMath at all, named by QZMATH_LIB, fails the import itself.
-    env = dict(os.environ, QZMATH_LIB=ctypes.util.find_library("m"))
+    assert "has no version query" in import_error(os.path.join(HERE, ".."),
+                                                  QZMATH_LIB=ctypes.util.find_library("m"))
+
+
+def import_error(path, **env):
+    env = dict({k: v for k, v in os.environ.items() if k != "QZMATH_LIB"}, PYTHONPATH=path, **env)
     run = subprocess.run([sys.executable, "-c", "import qzmath"], env=env, capture_output=True,
-                         text=True, cwd=os.path.join(HERE, ".."))
+                         text=True, cwd="/")
     assert run.returncode != 0
-    assert "has no version query" in run.stderr
+    return run.stderr.splitlines()[-1]
 
 
-def test_sequences_of_the_wrong_length_are_refused_before_the_call():
-    arm = qzmath.SmoothedTracker(4.0, [50.0] * 3, [100.0] * 3, [1000.0] * 3)
-    with pytest.raises(ValueError):
-        arm.step([1.0, 2.0])
-    with pytest.raises(ValueError):
-        arm.set_limits(vel=[1.0] * 4)
-    with pytest.raises(ValueError):
-        qzmath.SmoothedTracker(4.0, [50.0] * 9, [100.0] * 9, [1000.0] * 9)
-    with pytest.raises(ValueError):
-        qzmath.point_to_line([0, 0], [1, 0, 0], [0, 1, 0])
-    # Errors from the wrapper are not library failures.
-    with pytest.raises(ValueError) as e:
-        arm.step([1.0])
-    assert not isinstance(e.value, qzmath.QZMathError)
+def test_no_fallback_when_the_expected_library_is_missing(tmp_path):
+    pkg = shutil.copytree(os.path.dirname(qzmath.__file__), tmp_path / "tree" / "python" / "qzmath",
+                          ignore=shutil.ignore_patterns("_libpath.py", "__pycache__"))
+    (tmp_path / "tree" / "CMakeLists.txt").write_text("")  # a source tree without a build
+    msg = import_error(pkg.parent)
+    assert "%s has no usable build/ or build*/ library" % (tmp_path / "tree") in msg
+    (pkg / "_libpath.py").write_text("LIBRARY = '../../lib/libQZMath.so.1'\n")  # installed
+    msg = import_error(pkg.parent)
+    assert "installed for the library %s, which does not load" % (tmp_path / "tree" / "lib"
+                                                                    / "libQZMath.so.1") in msg
 
 
-def test_numpy_arrays_are_accepted_where_installed():
-    np = pytest.importorskip("numpy")
-    arm = qzmath.SmoothedTracker(4.0, np.full(2, 50.0), np.full(2, 100.0), np.full(2, 1e3))
-    assert arm.step(np.array([1.0, -1.0])) == [1.0, -1.0]
-    assert qzmath.point_to_line(np.zeros(3), np.array([1.0, 0, 0]), np.array([2.0, 5, 0])) == \
-        [2.0, 0.0, 0.0]
+def test_installs_into_a_clean_virtual_environment(tmp_path):
+    lib = os.environ.get("QZMATH_LIB")
+    if not lib or os.environ.get("LD_PRELOAD") or os.environ.get("QZMATH_TEST_INSTALLED"):
+        pytest.skip("needs QZMATH_LIB naming a plain build")
+    subprocess.run([sys.executable, "-m", "venv", "--system-site-packages", tmp_path / "venv"],
+                   check=True)
+    py = str(tmp_path / "venv" / "bin" / "python")
+    subprocess.run([py, "-m", "pip", "install", "-q", "--no-build-isolation", "--no-index",
+                    os.path.join(HERE, "..")], check=True, capture_output=True)
+    env = {k: v for k, v in os.environ.items() if k not in ("QZMATH_LIB", "PYTHONPATH")}
+    show = "import qzmath; print(qzmath.__file__); print(qzmath.LIBRARY_PATH)"
+    out = subprocess.run([py, "-c", show], env=env, cwd=tmp_path, check=True, capture_output=True, text=True)
+    where, loaded = out.stdout.split()
+    assert where.startswith(str(tmp_path / "venv")) and os.path.samefile(loaded, lib)

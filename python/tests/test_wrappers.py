@@ -1,0 +1,185 @@
+"""What the binding does on top of the C calls: arguments reach the right parameters, shapes
+dispatch to the right routine, batches equal element-by-element calls, results come back as
+arrays, and bad input raises or warns. The mathematics itself is tested in C++."""
+import os
+import time
+import warnings
+
+import numpy as np
+import pytest
+
+import qzmath
+from qzmath import geometry as G
+from qzmath import linalg as L
+from qzmath import quaternions as Q
+
+RNG = np.random.default_rng(20240611)
+
+
+def unit_quats(*shape):
+    q = RNG.normal(size=shape + (4,))
+    return q / np.linalg.norm(q, axis=-1, keepdims=True)
+
+
+def test_batches_broadcast_and_equal_the_single_calls():
+    q, r = unit_quats(10), unit_quats(10)
+    m = Q.to_matrix(q)
+    assert m.shape == (10, 3, 3) and Q.from_matrix(m).shape == (10, 4)
+    assert np.allclose(Q.to_matrix(Q.multiply(q, r)), m @ Q.to_matrix(r))  # a first, then b
+    assert np.array_equal(Q.multiply(q, r[0])[3], Q.multiply(q[3], r[0]))  # broadcast
+    assert np.array_equal(Q.multiply(q.reshape(2, 5, 4), r[0]).reshape(10, 4), Q.multiply(q, r[0]))
+    t = np.linspace(0.0, 1.0, 7)
+    path = Q.slerp(q[0], q[1], t)
+    assert path.shape == (7, 4) and np.array_equal(path[2], Q.slerp(q[0], q[1], t[2]))
+    assert np.array_equal(Q.Slerp(q[0], q[1])(t), path)
+    v = RNG.normal(size=(10, 3))
+    assert np.allclose(Q.rotate(q, v), np.einsum("nij,nj->ni", m, v))
+    assert np.allclose(G.rotate(m, v), Q.rotate(q, v))
+    abc = RNG.uniform(-1.0, 1.0, size=(4, 3))
+    rx = G.xyz_to_matrix(abc)
+    assert np.allclose(rx[1], G.rot_z(abc[1, 2]) @ G.rot_y(abc[1, 1]) @ G.rot_x(abc[1, 0]))
+    assert np.allclose(G.matrix_to_xyz(rx), abc) and G.matrix_to_zyz(rx).angles.shape == (4, 3)
+    assert np.allclose(G.xyz_to_matrix(np.degrees(abc), degrees=True), rx)
+    assert G.rot_x(t).shape == (7, 3, 3) and G.dh(0.1, 0.2, 0.3, t).shape == (7, 4, 4)
+    flat = G.matrix_to_zyz(G.zyz_to_matrix([0.4, 0.001, -0.7]))
+    assert flat.singular is True and flat.angles[0] == 0.0
+    pose = np.array([10.0, -20.0, 30.0, 0.3, -0.5, 2.0])
+    t4 = G.pose_to_matrix(pose)
+    assert np.allclose(G.matrix_to_pose(t4), pose) and np.allclose(t4[:3, 3], pose[:3])
+    assert np.allclose(Q.pose_to_matrix(Q.pose_from_matrix(np.stack([t4, t4])))[1], t4)
+    assert np.allclose(Q.pose_from_xyzabc(np.r_[pose[:3], np.degrees(pose[3:])]),
+                       Q.pose_from_matrix(t4))
+
+
+def test_matrix_shapes_dispatch_and_come_back_as_arrays():
+    for n in range(2, 9):
+        a, b = RNG.normal(size=(n, n)), RNG.normal(size=(n, n))
+        assert np.allclose(L.matmul(a, b.tolist()), a @ b) and np.array_equal(L.transpose(a), a.T)
+        assert np.allclose(L.inverse(a), np.linalg.inv(a)) and L.identity(n).shape == (n, n)
+    for m, k, p in ((3, 5, 2), (9, 9, 9)):  # the row-pointer product
+        a, b = RNG.normal(size=(m, k)), RNG.normal(size=(k, p))
+        assert np.allclose(L.matmul(a, b), a @ b) and np.array_equal(L.transpose(a), a.T)
+    for shape in ((3, 3), (4, 4), (6, 6), (7, 7), (6, 7), (7, 6), (2, 9)):
+        m, v = RNG.normal(size=shape), RNG.normal(size=shape[1])
+        assert np.allclose(L.matvec(m, v), m @ v)
+    for j in (RNG.normal(size=(6, 7)), RNG.normal(size=(7, 6))):
+        assert L.pinv(j).shape == j.shape[::-1] and np.allclose(j @ L.pinv(j) @ j, j)
+    sym = np.array([[2.0, 1.0, 0.0], [1.0, 3.0, 0.5], [0.0, 0.5, 1.0]])
+    lup = L.LUP(sym)
+    assert np.allclose(lup.solve([1, 2, 3]), np.linalg.solve(sym, [1, 2, 3]))
+    values, vectors = L.eig(sym)
+    for lam, x in zip(values, vectors):  # vectors[k] belongs to values[k]
+        assert np.allclose(sym @ x, lam * x)
+    b, a = np.eye(6) + 0.1, np.diag([1.0, -2.0, 3.0, 4.0, -5.0, 6.0])
+    for lam, x in zip(*L.generalized_eig(a, b)):
+        assert np.allclose(a @ x, lam * (b @ x))
+    assert np.allclose(L.cholesky(sym) @ L.cholesky(sym).T, sym) and L.vmv([1, 2, 0], sym) == 18.0
+    assert L.cross([1, 0, 0], [0, 1, 0]).tolist() == [0.0, -0.0, 1.0]
+    unit, dist = L.direction([1, 1, 1], [1, 1, 3])
+    assert unit.tolist() == [0.0, 0.0, 1.0] and dist == 2.0
+    assert qzmath.point_to_line([0, 0, 0], [2, 0, 0], [1, 3, 4]).tolist() == [1.0, 0.0, 0.0]
+    assert qzmath.square_solve(1, -3, 2).tolist() == [1.0, 2.0]
+    assert qzmath.min_dif_circle(10.0, 350.0) == (20.0, -10.0)
+
+
+def test_failures_raise_their_errors():
+    singular = [[1.0, 2.0, 3.0], [2.0, 4.0, 6.0], [0.0, 1.0, 1.0]]
+    for call in (lambda: L.inverse(singular), lambda: L.LUP(singular),
+                 lambda: L.normalize([0.0] * 3), lambda: L.cholesky([[1.0, 2.0], [2.0, 1.0]]),
+                 lambda: L.pinv(np.zeros((6, 7))), lambda: Q.inverse(np.zeros((3, 4))),
+                 lambda: G.line_cross([0, 0, 0], [1, 0, 0], [0, 1, 0], [2, 0, 0])):
+        with pytest.raises(qzmath.SingularError):
+            call()
+
+
+BAD = [  # call, exception, message naming the parameter
+    (lambda: Q.slerp([0, 0, 0, 1], [0, 0, 0, 1], t=None), TypeError, "^t: "),
+    (lambda: qzmath.Tracker(4, "a", 1), TypeError, "^vel_limit: "),
+    (lambda: qzmath.sqrt(None), TypeError, "^x: "),
+    (lambda: qzmath.AveragingFilter(2.0, 4, 0.001), TypeError, "^channels: "),
+    (lambda: Q.to_matrix(np.ones((10, 3))), ValueError, r"^q: expected shape \(\.\.\., 4\)"),
+    (lambda: Q.multiply(np.ones((2, 4)), np.ones((3, 4))), ValueError, "^a, b: batch shapes"),
+    (lambda: L.pinv(np.ones(42)), ValueError, "^m: "),
+    (lambda: L.inverse(np.ones(49)), ValueError, "^m: "),
+    (lambda: qzmath.SmoothedTracker(4, [1] * 3, [1] * 2, [1] * 3), ValueError, "^acc_limits: "),
+    (lambda: qzmath.Tracker(4, 50, 100).run(np.ones((5, 2))), ValueError, "^targets: "),
+    (lambda: qzmath.Tracker(4, 50, 100).run(1.0, cycles=2.5), TypeError, "^cycles: "),
+    (lambda: qzmath.SmoothedTracker(4, [1], [1], [np.nan]), qzmath.InvalidArgumentError,
+     r"^jerk_limits: must be finite"),
+    (lambda: qzmath.SmoothedTracker(4, [1], [1], [0.5]), qzmath.InvalidArgumentError,
+     r"^jerk_limits\[0\]"),
+    (lambda: qzmath.Tracker(np.inf, 50, 100), qzmath.InvalidArgumentError, "^cycle_ms: "),
+    (lambda: qzmath.Tracker(4, 50, 100).run(1.0, cycles=-1), qzmath.InvalidArgumentError,
+     "^cycles: "),
+    (lambda: qzmath.AveragingFilter(2, 101, 0.001), qzmath.InvalidArgumentError, "^span: "),
+    (lambda: qzmath.AveragingFilter(2, 4, np.nan), qzmath.InvalidArgumentError, "^dt: "),
+    (lambda: qzmath.SmoothedValue(0.0, step_min=0.02), qzmath.InvalidArgumentError, "step_min"),
+    (lambda: L.pinv(np.full((6, 7), np.nan)), qzmath.InvalidArgumentError, "NaN"),
+    (lambda: L.eig(np.eye(3), eps=np.nan), qzmath.InvalidArgumentError, "^eps: "),
+]
+
+
+@pytest.mark.parametrize("call, error, message", BAD)
+def test_bad_input_raises_naming_the_parameter(call, error, message):
+    with pytest.raises(error, match=message):
+        call()
+
+
+def test_clamped_or_ignored_values_warn_with_the_value_in_effect():
+    with pytest.warns(qzmath.QZMathWarning, match=r"vel_limit 500 .* 200 takes effect"):
+        axis = qzmath.Tracker(4, 500, 100)
+    assert axis.vel_limit == 200.0
+    with pytest.warns(qzmath.QZMathWarning, match=r"within 0\.1 .* vel 200, acc 100 stay"):
+        axis.set_limits(vel=199.95)
+    with pytest.warns(qzmath.QZMathWarning, match=r"jerk_limits\[1\] 1e\+09 .* 1e\+07 takes"):
+        multi = qzmath.SmoothedMultiStageTracker(4.0, [90.0] * 2, [200.0] * 2, [1e4, 1e9], mode=1)
+    assert multi.jerk_limits.tolist() == [1e4, 1e7]
+    with pytest.warns(qzmath.QZMathWarning, match=r"axis 1: 250 cycles clamped to 30"):
+        qzmath.SmoothedTracker(4.0, [50.0] * 2, [100.0] * 2, [1000.0, 100.0])
+    with pytest.warns(qzmath.QZMathWarning, match=r"stage 3's share .* 0\.1 takes effect"):
+        qzmath.MultiStageTracker(4.0, 5.0, 100.0)
+    est = qzmath.Estimator(4.0, [100.0, 100.0])
+    with pytest.warns(qzmath.QZMathWarning, match=r"vel_cur\[1\] 150 .* 100 takes effect"):
+        est.set_limits([50.0, 150.0])
+    with warnings.catch_warnings():
+        warnings.simplefilter("error")
+        axis.set_limits(vel=150.0, acc=40.0)  # outside the dead band: taken silently
+    assert (axis.state.velLmtTarget, axis.acc_limit) == (150.0, 40.0)
+
+
+@pytest.mark.filterwarnings("ignore:jerk_limits")
+def test_every_tracker_runs_both_forms_into_arrays():
+    three = np.array([3.0, -2.0, 1.0])
+    make = [(lambda: qzmath.Tracker(4.0, 50.0, 100.0), 3.0),
+            (lambda: qzmath.MultiStageTracker(4.0, 90.0, 200.0, mode=1), 3.0),
+            (lambda: qzmath.SmoothedTracker(4.0, [50.0, 80.0, 30.0], [100.0, 300.0, 50.0],
+                                            [1000.0, 2000.0, 5000.0]), three),
+            (lambda: qzmath.SmoothedMultiStageTracker(4.0, [90.0] * 3, [200.0] * 3, [1e4] * 3),
+             three)]
+    for new, target in make:
+        one = new().run(target, cycles=50)
+        rows = new().run(np.broadcast_to(target, (50,) + np.shape(target)))
+        assert one.pos.shape == (50,) + np.shape(target)
+        for a, b in zip(one, rows):
+            assert (a is None and b is None) or np.array_equal(a, b)
+        tracker = new()
+        assert np.array_equal([tracker.step(target) for _ in range(50)], one.pos)
+    arm = make[2][0]()
+    assert arm.spans.tolist() == [25, 30, 3]
+    with pytest.raises(qzmath.StateError):
+        arm.current()  # a reset is pending until the first step
+    path = arm.run([[1.0, -2.0, 3.0], [9.0, 4.0, -1.0]])
+    assert np.array_equal(path.pos[0], [1.0, -2.0, 3.0]) and path.vel[1].any()
+    now = arm.current()
+    assert np.array_equal(now.pos, path.pos[-1]) and np.array_equal(now.acc, path.acc[-1])
+    arm.state.axisNum = 100  # a copy: the record itself cannot be corrupted
+    assert arm.hold().shape == (3,)
+
+
+def test_a_seven_axis_run_of_100000_cycles_takes_under_a_second():
+    if os.environ.get("LD_PRELOAD"):
+        pytest.skip("timed on a plain build")
+    arm = qzmath.SmoothedTracker(4.0, [98.0] * 7, [300.0] * 7, [3000.0] * 7)
+    start = time.perf_counter()
+    path = arm.run(np.full(7, 10.0), cycles=100000)
+    assert time.perf_counter() - start < 1.0 and path.pos.shape == (100000, 7)
