@@ -1,7 +1,8 @@
 # Debian packages, by purpose. The library itself needs only a C++17 compiler and libm.
 QZ_BUILD_PACKAGES="g++ make cmake pkg-config"
 # Test framework and the peer libraries used as test and benchmark oracles.
-QZ_TEST_PACKAGES="$QZ_BUILD_PACKAGES libgtest-dev libbenchmark-dev libeigen3-dev libgsl-dev liborocos-kdl-dev"
+# clang++ compiles the C++ interface a second time, warnings as errors.
+QZ_TEST_PACKAGES="$QZ_BUILD_PACKAGES clang libgtest-dev libbenchmark-dev libeigen3-dev libgsl-dev liborocos-kdl-dev"
 # The Python binding: numpy at run time; setuptools, pip and venv to install it offline; pytest
 # for its tests, matplotlib for the plots of its tuning example. Debian's /usr/bin/python3 is the
 # interpreter these serve (another python3 first on PATH may lack them).
