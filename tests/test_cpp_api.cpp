@@ -270,7 +270,7 @@ TEST(CppApi, StatefulClassesStepTheirRecordsAsTheCFunctionsDo) {
     QZ_DCTRL_ErrorCompare_Init(0, &cCmp);
     QZAVGF_OnInit(&cAvg, 3, 10, 0.004);
     QZSMV_OnInit(&cSmv, 0.0, 0.05, 0.01, 0.002);
-    double c[3], d[3], s;
+    double c[7], d[3], s;  // c holds the comparator's seven joints too
     for (int k = 0; k < 400; ++k) {
         const double goal = k < 200 ? 10.0 : -4.0;
         const qz::Vec<3> target{{goal, 2 * goal, -goal}};
