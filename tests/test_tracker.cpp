@@ -119,12 +119,4 @@ TEST(Tracker, LoweredLimitRampsDownAtTheAccelerationLimit) {
     EXPECT_EQ(s.velLmt, 50.0);
 }
 
-// A slow ramp is followed at its own rate (at a constant lag).
-TEST(Tracker, FollowsARampSlowerThanItsLimit) {
-    QZVDTState s = Fresh(4.0, 80.0, 300.0);
-    double target = Step(s, 5.0);
-    for (int k = 0; k < 1000; ++k) Step(s, target += 30.0 * 0.004);
-    EXPECT_NEAR(s.vel, 30.0, 1e-6);
-}
-
 }  // namespace
