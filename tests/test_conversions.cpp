@@ -1,5 +1,5 @@
-// Conversions: quaternion <-> matrix against Eigen and round trips, composition, and the pose
-// helpers.
+// Conversions: quaternion <-> matrix against Eigen and round trips, composition, the four
+// matrix-to-quaternion forms with their ties, and the pose helpers.
 #include "quaternion_cases.h"
 
 namespace {
@@ -28,6 +28,27 @@ TEST(QuaternionMatrix, RoundTripsAndComposesLikeEigen) {
         QZ_Quaternion2Matrix3(qb, rqb);
         const RowMat3 prod = Eigen::Map<RowMat3>(r) * Eigen::Map<RowMat3>(rb);
         ASSERT_TRUE(Near(rqb, prod.data(), 9, 16 * kEps)) << n;
+    }
+}
+
+// Which form ran shows in the component set to 0.25 S. The tie matrices are not rotations, so
+// that the forms give different results; with S = 2 sqrt(3) that component is sqrt(3) / 2.
+TEST(Matrix2Quaternion, TakesTheFourFormsWithTiesToTheLater) {
+    const double h = std::sqrt(3.0) / 2, s = std::sqrt(0.5);
+    const struct { double r[9]; int i; double v; } rows[] = {
+        {{1, 0, 0, 0, -1, 0, 0, 0, -1}, 0, 1.0},                // half turn about x
+        {{0, 0, 1, 1, 0, 0, 0, 1, 0}, 2, 0.5},                  // trace 0, equal diagonal
+        {{0.5, 0.1, 0.2, 0.3, 0.5, 0.6, -0.4, 0.7, -2}, 1, h},  // r00 = r11 > r22
+        {{0.5, 0.1, 0.2, 0.3, -2, 0.6, -0.4, 0.7, 0.5}, 2, h},  // r00 = r22 > r11
+        {{-2, 0.1, 0.2, 0.3, 0.5, 0.6, -0.4, 0.7, 0.5}, 2, h},  // r11 = r22 > r00
+        // The trace test is strict: one ulp above zero takes the first form, zero and below not.
+        {{0.5, 0, 0, 0, 0.5, 0, 0, 0, NextUp(-1.0)}, 3, 0.5},
+        {{0.5, 0, 0, 0, 0.5, 0, 0, 0, -1.0}, 1, s},
+        {{0.5, 0, 0, 0, 0.5, 0, 0, 0, NextDown(-1.0)}, 1, s}};
+    for (const auto &row : rows) {
+        double q[4];
+        QZ_Matrix2Quaternion3(row.r, q);
+        EXPECT_EQ(q[row.i], row.v) << "row " << &row - rows;
     }
 }
 

@@ -1,6 +1,5 @@
 // Slerp: agreement with Eigen and exact end points, the shorter and the longer way, the linear
-// band on both sides of its threshold, the cached factor state against the single-call forms,
-// and the direction test.
+// band on both sides of its threshold, and the cached factor state against the single-call forms.
 #include "quaternion_cases.h"
 
 namespace {
@@ -58,24 +57,6 @@ TEST(QuatSlerp, FactorFormsMatchTheSingleCallsAndTheShorterWayMatchesEigen) {
     }
 }
 
-TEST(QuatSlerp, MidpointsOfTheLongerWayAndOfAHalfTurn) {
-    const double id[4] = {0, 0, 0, 1}, q[4] = {0.5, -0.5, 0.5, 0.5}, s = std::sqrt(0.5);
-    const double h = 0.625 * M_PI, z225[4] = {0, 0, std::sin(h), std::cos(h)};
-    const double z90[4] = {0, 0, s, s};
-    double out[4];
-    // The longer way from 0 to 90 degrees about z passes -135 degrees.
-    QZ_QuatSlerpL(id, z90, 0.5, out);
-    EXPECT_TRUE(SameUpToSign(out, z225, 4 * kEps));
-    // Equal ends: the longer way runs through the negated copy and the origin.
-    QZ_QuatSlerpL(q, q, 0.5, out);
-    for (double v : out) EXPECT_EQ(v, 0.0);
-    // Rotations 180 degrees apart (d = 0): q2 is not negated and the path runs through pi/2.
-    double x180[4] = {1, 0, 0, 0};
-    QZ_QuatSlerp(id, x180, 0.5, out);
-    EXPECT_EQ(x180[0], 1.0);
-    EXPECT_NEAR(out[0], std::sqrt(0.5), kEps);
-}
-
 // The linear band starts where 1 - d (the longer way: 1 + d) reaches 0.001: spherical weights keep
 // the midpoint between the identity and (0, 0, sqrt(1 - d^2), d) at unit length, linear ones cut
 // the chord.
@@ -92,27 +73,6 @@ TEST(QuatSlerp, LinearBandStartsAtTheThresholdForAllForms) {
         Slerp(longer, factor, q1, q2, 0.5, out, &st);
         const double len = QZ_QuaternionSqrtNorm(out);
         EXPECT_TRUE(inBand ? len < 1 - 1e-5 : std::fabs(len - 1) < 1e-12) << c << " " << len;
-    }
-}
-
-// Against the signed angle between the frames' x axes projected onto the plane normal to the
-// axis, whose length does not matter; no turn at all counts as positive.
-TEST(QuatSlerpDir, GivesTheSenseOfTurnAboutTheAxis) {
-    const double id[4] = {0, 0, 0, 1}, up[3] = {0, 0, 7};
-    EXPECT_EQ(QZ_QuatSlerpDir(id, id, up), 1);
-    auto rng = Rng();
-    for (int n = 0; n < 1000; ++n) {
-        double q1[4], q2[4], axis[3];
-        RandomUnitQuat(rng, q1);
-        RandomUnitQuat(rng, q2);
-        for (double &v : axis) v = Uniform(rng, -2, 2);
-        const Eigen::Vector3d k = Eigen::Vector3d::Map(axis).normalized();
-        const Eigen::Vector3d u1 = ToEigen(q1) * Eigen::Vector3d::UnitX();
-        const Eigen::Vector3d u2 = ToEigen(q2) * Eigen::Vector3d::UnitX();
-        const Eigen::Vector3d p1 = u1 - k * k.dot(u1), p2 = u2 - k * k.dot(u2);
-        const double angle = std::atan2(p1.cross(p2).dot(k), p1.dot(p2));
-        if (std::fabs(angle) < 1e-9 || M_PI - std::fabs(angle) < 1e-9) continue;
-        EXPECT_EQ(QZ_QuatSlerpDir(q1, q2, axis), angle < 0 ? -1 : 1) << n;
     }
 }
 
