@@ -1,4 +1,4 @@
-// Soak: every tracker family, the estimator and the filters driven for many cycles with random
+// Soak: every tracker family and the filters driven for many cycles with random
 // limits, cycle times and targets that hold still, ramp, jump and carry noise, checking on every
 // cycle what a controller relies on:
 //   * finite input gives finite output;
@@ -258,44 +258,6 @@ void SoakTrackers(double share) {
 TEST(Soak, SingleAxisTrackerKeepsLimitsAndSettles) { SoakTrackers<Single>(0.3); }
 TEST(Soak, NAxisTrackerKeepsLimitsSmoothsAndSettles) { SoakTrackers<Smoothed>(0.2); }
 TEST(Soak, MultiStageTrackersKeepTheirStageLimitsAndSettle) { SoakTrackers<Cascade>(0.3); }
-
-TEST(Soak, EstimatorStaysFiniteBoundedAndComesToRest) {
-    auto rng = qztest::Rng();
-    const std::int64_t budget = Budget(0.1);
-    for (std::int64_t cycles = 0; cycles < budget;) {
-        const int n = 1 + static_cast<int>(rng() % 8), moving = 200 + static_cast<int>(rng() % 2000);
-        const double cycleMs = Uniform(rng, 1.0, 12.0), rate = Uniform(rng, -0.5, 0.5);
-        double vmax[8], vcur[8], x[8], out[8], ref[8];
-        for (int i = 0; i < 8; ++i)
-            vmax[i] = LogUniform(rng, 1.0, 500.0), vcur[i] = Uniform(rng, 0.1, 1.2) * vmax[i], x[i] = Uniform(rng, -100, 100);
-        QZNEstState s{};
-        QZOnInitEst(&s, n, cycleMs, vmax, vcur);
-        int32_t stamp = static_cast<int32_t>(rng() % 9993);
-        const int period = std::max(1, static_cast<int>(cycleMs));
-        for (int k = 0; k < moving + 400; ++k, ++cycles) {
-            const bool fresh = k % (period + static_cast<int>(rng() % 3)) == 0;  // jittery arrivals
-            if (fresh) stamp = stamp >= 9992 ? 0 : stamp + 1;
-            for (int i = 0; i < n && fresh; ++i) {
-                if (k < moving) x[i] += rate * vmax[i] * s.dt + Uniform(rng, -1e-3, 1e-3);
-                ref[i] = Uniform(rng, -1.0, 1.0) * vmax[i];
-            }
-            if (k == moving / 2) {
-                for (int i = 0; i < n; ++i) vcur[i] = Uniform(rng, 0.1, 1.2) * vmax[i];
-                QZNEst_OnSetRunTimeLmt(&s, vcur);
-            }
-            ASSERT_EQ(QZNEst_OnDT(&s, stamp, x, out, ref), 1);
-            for (int i = 0; i < n; ++i) {
-                ASSERT_TRUE(std::isfinite(s.velEst[i]));
-                ASSERT_EQ(out[i], s.lastSample[i]);
-                ASSERT_LE(std::fabs(s.velMeas[i]), (fresh ? std::min(s.velLmtCur[i], 0.4 * vmax[i]) : 0.4 * vmax[i]) + 1e-12);
-                ASSERT_LE(std::fabs(s.velEst[i]), 0.4 * vmax[i] + 0.75) << "estimate beyond its quantised step";
-            }
-            ASSERT_TRUE(s.jitterScore >= 0.0 && s.jitterScore <= 100.0) << s.jitterScore;
-        }
-        for (int i = 0; i < n; ++i) EXPECT_EQ(out[i], x[i]) << "not holding the last sample";
-        for (int i = 0; i < n; ++i) EXPECT_EQ(s.velEst[i], 0.0) << "not at rest on still samples";
-    }
-}
 
 // The moving average stays near a fresh sum over its window and lands on a fixed input; the
 // smoothed value steps within stepMax (and, until it lands, by at least stepMin), never away from
