@@ -55,4 +55,18 @@ TEST(MatLUP, SolveDeterminantAndInverseAgreeWithTheFixedSizeFunctions) {
     EXPECT_GT(singular, 100);
 }
 
+// A count of 0 or less is an empty system, however negative: nothing read, nothing written. The
+// most negative count is the one that would break a substitution running down from n - 1.
+TEST(MatLUP, MostNegativeCountReadsAndWritesNothing) {
+    const double b[2] = {1.0, 2.0};
+    double x[2] = {7.0, 7.0};
+    for (const int32_t n : {0, -1, INT32_MIN + 1, INT32_MIN}) {
+        QZ_LUPSolveEq(nullptr, n, nullptr, b, x);
+        EXPECT_TRUE(SameBits(x[0], 7.0) && SameBits(x[1], 7.0)) << n;
+        QZ_MatLUPInv(nullptr, n, nullptr, nullptr);
+        EXPECT_TRUE(SameBits(QZ_MatLUPDet(nullptr, n, nullptr), 0.0)) << n;
+    }
+}
+
+
 }  // namespace
