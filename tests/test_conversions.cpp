@@ -70,4 +70,21 @@ TEST(PosQuat, TransformsRoundTripAndTheNormalisingFormRewritesThePose) {
     }
 }
 
+// Position kept, quaternion written over the angles and normalised, the last slot cleared.
+TEST(XYZABC2XYZQ, MatchesEigensElementaryRotationsInPlace) {
+    auto rng = Rng();
+    const double d2r = 0.017453292519943295, head[3] = {0.5, -1, 2};
+    for (int n = 0; n < 1000; ++n) {
+        double buf[8] = {0.5, -1, 2, 0, 0, 0, 9, 9};
+        for (int i = 3; i < 6; ++i) buf[i] = n == 0 ? 0.0 : Uniform(rng, -180, 180);
+        const Eigen::Quaterniond e(Eigen::AngleAxisd(buf[5] * d2r, Eigen::Vector3d::UnitZ()) *
+                                   Eigen::AngleAxisd(buf[4] * d2r, Eigen::Vector3d::UnitY()) *
+                                   Eigen::AngleAxisd(buf[3] * d2r, Eigen::Vector3d::UnitX()));
+        ASSERT_EQ(QZ_XYZABC2XYZQ(buf), 1u);
+        ASSERT_TRUE(Near(buf, head, 3, 0.0) && SameBits(buf[7], 0.0)) << n;
+        ASSERT_TRUE(SameUpToSign(buf + 3, e.coeffs().data(), 16 * kEps)) << n;
+    }
+}
+
+
 }  // namespace
