@@ -86,4 +86,5 @@ TEST(XYZABC2XYZQ, MatchesEigensElementaryRotationsInPlace) {
     }
 }
 
+
 }  // namespace

@@ -1,4 +1,4 @@
-// Soak: every tracker family, the estimator and the filters driven for many cycles with random
+// Soak: every tracker family and the filters driven for many cycles with random
 // limits, cycle times and targets that hold still, ramp, jump and carry noise, checking on every
 // cycle what a controller relies on:
 //   * finite input gives finite output;
@@ -6,7 +6,7 @@
 //     accLmt * dt per cycle (a lowered limit's ramp-down changes it by exactly accLmt * dt, and
 //     may swing it through zero past the limit, from where the next step clips it back);
 //   * the summed stage motion stays within the sum of the stage limits, and averaging never
-//     amplifies: a smoothed speed or acceleration stays within the largest raw one of its window;
+//     amplifies: a smoothed speed stays within the largest raw one of its window;
 //   * a fixed target is reached and held with cycles up to 7 ms; the single-axis law does so
 //     without passing the target when it starts from rest.
 // The total number of cycles is QZ_SOAK_CYCLES (default 100000; the `soak` CTest entry runs
@@ -103,35 +103,27 @@ double TargetAt(const Segment &g, int k, std::mt19937_64 &rng) {
     return ::testing::AssertionSuccess();
 }
 
-// The largest magnitude among the last `len` values of one quantity.
-class WindowMax {
-public:
-    void Reset(int len) { v_.assign(static_cast<size_t>(len), 0.0), i_ = 0; }
-    void Push(double x) { v_[i_] = std::fabs(x), i_ = (i_ + 1) % v_.size(); }
-    double Max() const { return *std::max_element(v_.begin(), v_.end()); }
-
-private:
-    std::vector<double> v_;
-    size_t i_ = 0;
+// The largest magnitude among the last values pushed, as many as the vector holds.
+struct WindowMax {
+    std::vector<double> v;
+    size_t i = 0;
+    void Push(double x) { v[i] = std::fabs(x), i = (i + 1) % v.size(); }
+    double Max() const { return *std::max_element(v.begin(), v.end()); }
 };
 
 // The tracker families behind one face: n axes of one or four cascaded stages, with each axis's
-// smoothed velocity and acceleration (the raw velocity and 0 where nothing smooths) and span.
+// smoothed velocity (the raw velocity where nothing smooths) and span.
 struct Single {
     static constexpr int kMaxAxes = 1, kStages = 1, kTail = 0;
     static constexpr double kMaxMs = 20, kSettle = 1e-9;
     QZVDTState s;
-    int Init(int, double ms, const double *v, const double *a, const double *) {
-        return QZVDT_OnInit(&s, ms, v[0], a[0]);
-    }
+    int Init(int, double ms, const double *v, const double *a, const double *) { return QZVDT_OnInit(&s, ms, v[0], a[0]); }
     int Step(const double *t, double *p) { return QZVDT_OnDT(&s, t[0], p); }
     int SetLimits(int how, const double *v, const double *a) {
-        return how == 0 ? QZVDT_OnSetRunTimeLmt(&s, v[0], a[0])
-                        : how == 1 ? QZVDT_OnSetRunTimeVel(&s, v[0]) : QZVDT_OnSetRunTimeAcc(&s, a[0]);
+        return how == 0 ? QZVDT_OnSetRunTimeLmt(&s, v[0], a[0]) : how == 1 ? QZVDT_OnSetRunTimeVel(&s, v[0]) : QZVDT_OnSetRunTimeAcc(&s, a[0]);
     }
     const QZVDTState &Stage(int, int) const { return s; }
     double Vel(int) const { return s.vel; }
-    double Acc(int) const { return 0.0; }
     int Span(int) const { return 1; }
 };
 
@@ -140,17 +132,13 @@ struct Smoothed {
     static constexpr double kMaxMs = 7, kSettle = 1e-9;
     QZNSyncDTSState s;
     double vel[8], acc[8];
-    int Init(int n, double ms, const double *v, const double *a, const double *j) {
-        return QZNSyncDTS_OnInit(&s, n, ms, v, a, j);
-    }
+    int Init(int n, double ms, const double *v, const double *a, const double *j) { return QZNSyncDTS_OnInit(&s, n, ms, v, a, j); }
     int Step(const double *t, double *p) { return QZNSyncDTS_OnDT2(&s, t, p, vel, acc); }
     int SetLimits(int how, const double *v, const double *a) {
-        return how == 0 ? QZNSyncDTS_OnSetRunTimeLmt(&s, v, a)
-                        : how == 1 ? QZNSyncDTS_OnSetRunTimeVel(&s, v) : QZNSyncDTS_OnSetRunTimeAcc(&s, a);
+        return how == 0 ? QZNSyncDTS_OnSetRunTimeLmt(&s, v, a) : how == 1 ? QZNSyncDTS_OnSetRunTimeVel(&s, v) : QZNSyncDTS_OnSetRunTimeAcc(&s, a);
     }
     const QZVDTState &Stage(int i, int) const { return s.axis[i]; }
     double Vel(int i) const { return vel[i]; }
-    double Acc(int i) const { return acc[i]; }
     int Span(int i) const { return s.avgLen[i]; }
 };
 
@@ -169,7 +157,6 @@ struct Cascade {
     int SetLimits(int, const double *, const double *) { return 1; }
     const QZVDTState &Stage(int i, int k) const { return s.axis[i].stage[k]; }
     double Vel(int i) const { return s.vel[i]; }
-    double Acc(int) const { return 0.0; }
     int Span(int i) const { return s.avgLen[i]; }
 };
 
@@ -197,8 +184,8 @@ void SoakTrackers(double share) {
         }
         F f{};
         ASSERT_TRUE(f.Init(n, ms, v, a, j) == 1 && f.Step(t, p) == 1);
-        WindowMax rawVel[8], rawAcc[8];
-        for (int i = 0; i < n; ++i) rawVel[i].Reset(f.Span(i)), rawAcc[i].Reset(f.Span(i));
+        WindowMax rawVel[8];
+        for (int i = 0; i < n; ++i) rawVel[i].v.assign(static_cast<size_t>(f.Span(i)), 0.0);
         // New limits, raised or lowered; half of them below an axis's speed: a ramp-down.
         auto newLimits = [&] {
             for (int i = 0; i < 8; ++i) {
@@ -242,14 +229,11 @@ void SoakTrackers(double share) {
                     }
                     const double dt = f.Stage(i, 0).dt, raw = (Raw(f, i) - Raw(before, i)) / dt;
                     const double tol = std::max(1.0, std::fabs(Raw(f, i))) * 1e-12 / dt;
-                    ASSERT_TRUE(std::isfinite(p[i]) && std::isfinite(f.Vel(i)) && std::isfinite(f.Acc(i)));
+                    ASSERT_TRUE(std::isfinite(p[i]) && std::isfinite(f.Vel(i))) << "axis " << i;
                     ASSERT_LE(std::fabs(raw), bound * (1 + 1e-9) + tol) << "summed stage motion above the limits";
                     rawVel[i].Push(raw);
-                    rawAcc[i].Push((f.Stage(i, 0).vel - before.Stage(i, 0).vel) / dt);
                     ASSERT_LE(std::fabs(f.Vel(i)), rawVel[i].Max() * (1 + 1e-9) + 100 * tol)
                         << "smoothed speed above the raw ones of its window, axis " << i << " seed " << qztest::Seed();
-                    ASSERT_LE(std::fabs(f.Acc(i)), rawAcc[i].Max() * (1 + 1e-9) + 200 * tol / dt)
-                        << "smoothed acceleration above the raw ones of its window, axis " << i;
                     const double off = (p[i] - g[i].base) * (side[i] > 0 ? 1 : -1);
                     const double slack = std::max(1.0, std::fabs(g[i].base));
                     if (!strict || !raw1) continue;
@@ -274,44 +258,6 @@ void SoakTrackers(double share) {
 TEST(Soak, SingleAxisTrackerKeepsLimitsAndSettles) { SoakTrackers<Single>(0.3); }
 TEST(Soak, NAxisTrackerKeepsLimitsSmoothsAndSettles) { SoakTrackers<Smoothed>(0.2); }
 TEST(Soak, MultiStageTrackersKeepTheirStageLimitsAndSettle) { SoakTrackers<Cascade>(0.3); }
-
-TEST(Soak, EstimatorStaysFiniteBoundedAndComesToRest) {
-    auto rng = qztest::Rng();
-    const std::int64_t budget = Budget(0.1);
-    for (std::int64_t cycles = 0; cycles < budget;) {
-        const int n = 1 + static_cast<int>(rng() % 8), moving = 200 + static_cast<int>(rng() % 2000);
-        const double cycleMs = Uniform(rng, 1.0, 12.0), rate = Uniform(rng, -0.5, 0.5);
-        double vmax[8], vcur[8], x[8], out[8], ref[8];
-        for (int i = 0; i < 8; ++i)
-            vmax[i] = LogUniform(rng, 1.0, 500.0), vcur[i] = Uniform(rng, 0.1, 1.2) * vmax[i], x[i] = Uniform(rng, -100, 100);
-        QZNEstState s{};
-        QZOnInitEst(&s, n, cycleMs, vmax, vcur);
-        int32_t stamp = static_cast<int32_t>(rng() % 9993);
-        const int period = std::max(1, static_cast<int>(cycleMs));
-        for (int k = 0; k < moving + 400; ++k, ++cycles) {
-            const bool fresh = k % (period + static_cast<int>(rng() % 3)) == 0;  // jittery arrivals
-            if (fresh) stamp = stamp >= 9992 ? 0 : stamp + 1;
-            for (int i = 0; i < n && fresh; ++i) {
-                if (k < moving) x[i] += rate * vmax[i] * s.dt + Uniform(rng, -1e-3, 1e-3);
-                ref[i] = Uniform(rng, -1.0, 1.0) * vmax[i];
-            }
-            if (k == moving / 2) {
-                for (int i = 0; i < n; ++i) vcur[i] = Uniform(rng, 0.1, 1.2) * vmax[i];
-                QZNEst_OnSetRunTimeLmt(&s, vcur);
-            }
-            ASSERT_EQ(QZNEst_OnDT(&s, stamp, x, out, ref), 1);
-            for (int i = 0; i < n; ++i) {
-                ASSERT_TRUE(std::isfinite(s.velEst[i]));
-                ASSERT_EQ(out[i], s.lastSample[i]);
-                ASSERT_LE(std::fabs(s.velMeas[i]), (fresh ? std::min(s.velLmtCur[i], 0.4 * vmax[i]) : 0.4 * vmax[i]) + 1e-12);
-                ASSERT_LE(std::fabs(s.velEst[i]), 0.4 * vmax[i] + 0.75) << "estimate beyond its quantised step";
-            }
-            ASSERT_TRUE(s.jitterScore >= 0.0 && s.jitterScore <= 100.0) << s.jitterScore;
-        }
-        for (int i = 0; i < n; ++i) EXPECT_EQ(out[i], x[i]) << "not holding the last sample";
-        for (int i = 0; i < n; ++i) EXPECT_EQ(s.velEst[i], 0.0) << "not at rest on still samples";
-    }
-}
 
 // The moving average stays near a fresh sum over its window and lands on a fixed input; the
 // smoothed value steps within stepMax (and, until it lands, by at least stepMin), never away from
