@@ -10,7 +10,8 @@ constant (const), a dropped assignment (drop), or a changed start of a loop or o
 
 A run copies the tree into a scratch directory (src/ itself is never written), builds it there
 once, then per mutant rewrites one file of the copy, rebuilds only the shared library and runs
-`ctest -L unit` (the unit tests link the shared library, so nothing else relinks). A mutant that
+`ctest -L 'unit|robustness'` (the unit tests and the soak's short run; they link the shared
+library, so nothing else relinks). A mutant that
 survives them is replayed against the golden vectors: if they see changed bits it is "missed",
 otherwise "equivalent" (no golden vector sees a difference). A mutant that does not compile is
 "compile-fail" and skipped; a test that times out counts as caught. Without --golden the summary
@@ -226,7 +227,8 @@ def run(args):
     jobs = str(args.jobs)
     if not os.path.exists(os.path.join(build, "CMakeCache.txt")):
         rc, out = sh(["cmake", "-S", tree, "-B", build, "-DCMAKE_BUILD_TYPE=Release",
-                      "-DQZ_BUILD_EXAMPLES=OFF", "-DQZ_BUILD_ROBUSTNESS=OFF", "-DQZ_BUILD_BENCH=OFF"])
+                      "-DQZ_BUILD_EXAMPLES=OFF", "-DQZ_BUILD_TESTS=ON", "-DQZ_BUILD_CONFORMANCE=ON",
+                      "-DQZ_BUILD_ROBUSTNESS=ON", "-DQZ_BUILD_BENCH=OFF"])
         if rc != 0:
             sys.exit(out)
     lib = os.path.join(build, "libQZMath.so.1.0.0")
@@ -240,7 +242,7 @@ def run(args):
     if rc != 0:
         sys.exit("the unmutated tree does not build:\n" + out)
     rc, out = build_lib()
-    unit_cmd = ["ctest", "--test-dir", build, "-L", "unit", "-j", jobs, "--stop-on-failure",
+    unit_cmd = ["ctest", "--test-dir", build, "-L", "unit|robustness", "-j", jobs, "--stop-on-failure",
                 "--timeout", "60", "-Q"]
     golden_cmd = [os.path.join(build, "conformance", "qzc_runner"), "--require-all"] + sorted(
         os.path.join(tree, "conformance", "vectors", v)

@@ -50,7 +50,8 @@ memcheck() {
 
 soak() {
   local b=build-soak
-  cmake -S . -B $b -DCMAKE_BUILD_TYPE=Release -DQZ_BUILD_EXAMPLES=OFF -DQZ_BUILD_TESTS=ON >/dev/null
+  cmake -S . -B $b -DCMAKE_BUILD_TYPE=Release -DQZ_BUILD_EXAMPLES=OFF -DQZ_BUILD_TESTS=ON \
+    -DQZ_BUILD_ROBUSTNESS=ON >/dev/null
   cmake --build $b -j"$jobs" --target test_soak >/dev/null
   (cd $b && ctest -L soak --output-on-failure)
 }

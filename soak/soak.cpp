@@ -22,7 +22,7 @@
 
 #include "QZDT.h"
 #include "QZFLT.h"
-#include "test_util.h"
+#include "../tests/test_util.h"
 
 namespace {
 
