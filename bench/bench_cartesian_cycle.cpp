@@ -29,9 +29,9 @@ constexpr int kCases = 64;
 constexpr double kGain = 20.0;  // 1/s: pose error to twist
 
 struct Case {
-    double q[7];            // joint angles (rad)
-    double want[7];         // commanded pose: x y z (mm), qx qy qz qw
-    double twist[6];        // feed-forward twist: mm/s, rad/s
+    double q[7];      // joint angles (rad)
+    double want[7];   // commanded pose: x y z (mm), qx qy qz qw
+    double twist[6];  // feed-forward twist: mm/s, rad/s
 };
 
 // Poses near a reference posture (elbow bent, wrist away from its stretch), commands a few
@@ -112,7 +112,8 @@ struct Kdl {
         KDL::Frame have;
         fk.JntToCart(q, have);
         jac.JntToJac(q, j);
-        const KDL::Rotation want = KDL::Rotation::Quaternion(c.want[3], c.want[4], c.want[5], c.want[6]);
+        const KDL::Rotation want =
+            KDL::Rotation::Quaternion(c.want[3], c.want[4], c.want[5], c.want[6]);
         const KDL::Vector rot = (want * have.M.Inverse()).GetRot();
         KDL::Twist v;
         for (int i = 0; i < 3; ++i) {
@@ -138,7 +139,9 @@ bool Agree() {
         worst = std::max(worst, std::sqrt(num / den));
     }
     static bool said = false;
-    if (!said) std::printf("joint velocities, library against KDL: largest relative difference %.2e\n", worst);
+    if (!said)
+        std::printf("joint velocities, library against KDL: largest relative difference %.2e\n",
+                    worst);
     said = true;
     return worst <= 1e-9;
 }

@@ -10,7 +10,8 @@ namespace {
 template <class T>
 T Filled(double seed) {
     T v{};
-    for (std::size_t i = 0; i < v.size(); ++i) v[i] = seed + 0.37 * double(i % 7) - 0.11 * double(i / 7) + (i % 8 == 0);
+    for (std::size_t i = 0; i < v.size(); ++i)
+        v[i] = seed + 0.37 * double(i % 7) - 0.11 * double(i / 7) + (i % 8 == 0);
     return v;
 }
 
@@ -66,7 +67,8 @@ void C_DH2Matrix(benchmark::State &state) {
     }
 }
 void Cpp_DH2Matrix(benchmark::State &state) {
-    for (auto _ : state) benchmark::DoNotOptimize(qz::dh(qz::Rad{1.5707963267948966}, 82.5, 316.0, qz::Rad{0.7}));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(qz::dh(qz::Rad{1.5707963267948966}, 82.5, 316.0, qz::Rad{0.7}));
 }
 
 // One cycle of the seven-joint smoothed tracker, the targets swinging between two poses.
@@ -89,7 +91,8 @@ void C_NSyncDTS_OnDT_7(benchmark::State &state) {
 }
 void Cpp_NSyncDTS_OnDT_7(benchmark::State &state) {
     using J = qz::Vec<7>;
-    static qz::SmoothedTracker<7> arm(1.0, J{{98, 98, 100, 130, 140, 180, 180}}, J{{400, 400, 450, 600, 700, 800, 800}},
+    static qz::SmoothedTracker<7> arm(1.0, J{{98, 98, 100, 130, 140, 180, 180}},
+                                      J{{400, 400, 450, 600, 700, 800, 800}},
                                       J{{4000, 4000, 5000, 8000, 9000, 1e4, 1e4}});
     (void)arm.empty();
     J t;
@@ -104,12 +107,14 @@ void C_VDT_OnSetRunTimeVel(benchmark::State &state) {
     QZVDTState s{};
     QZVDT_OnInit(&s, 1.0, 100.0, 400.0);
     int k = 0;
-    for (auto _ : state) benchmark::DoNotOptimize(QZVDT_OnSetRunTimeVel(&s, (++k & 1) ? 50.0 : 100.0));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(QZVDT_OnSetRunTimeVel(&s, (++k & 1) ? 50.0 : 100.0));
 }
 void Cpp_VDT_OnSetRunTimeVel(benchmark::State &state) {
     qz::Tracker axis(1.0, 100.0, 400.0);
     int k = 0;
-    for (auto _ : state) benchmark::DoNotOptimize(axis.set_velocity_limit((++k & 1) ? 50.0 : 100.0));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(axis.set_velocity_limit((++k & 1) ? 50.0 : 100.0));
 }
 
 BENCHMARK(C_MatrixMult6);

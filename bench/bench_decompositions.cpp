@@ -51,9 +51,7 @@ const Inputs &Cases() {
 
 double Scale(const M7 &a) { return 7 * kEps * a.cwiseAbs().maxCoeff(); }
 
-void Report(benchmark::State &state, double worst) {
-    state.counters["max_resid_ratio"] = worst;
-}
+void Report(benchmark::State &state, double worst) { state.counters["max_resid_ratio"] = worst; }
 
 void BM_eig7_QZ(benchmark::State &state) {
     const Inputs &in = Cases();
@@ -61,8 +59,9 @@ void BM_eig7_QZ(benchmark::State &state) {
     for (int c = 0; c < kCases; ++c) {
         M7 a = in.sym[c], v;
         eig7(a.data(), v.data(), 1e-15);
-        worst = std::max(worst, (in.sym[c] * v - v * M7(a.diagonal().asDiagonal())).cwiseAbs().maxCoeff() /
-                                    Scale(in.sym[c]));
+        worst = std::max(worst,
+                         (in.sym[c] * v - v * M7(a.diagonal().asDiagonal())).cwiseAbs().maxCoeff() /
+                             Scale(in.sym[c]));
     }
     int c = 0;
     for (auto _ : state) {
@@ -80,8 +79,9 @@ void BM_eig7_Eigen(benchmark::State &state) {
     for (int c = 0; c < kCases; ++c) {
         Eigen::SelfAdjointEigenSolver<M7> es(in.sym[c]);
         const M7 v = es.eigenvectors();
-        worst = std::max(worst, (in.sym[c] * v - v * M7(es.eigenvalues().asDiagonal())).cwiseAbs().maxCoeff() /
-                                    Scale(in.sym[c]));
+        worst = std::max(
+            worst, (in.sym[c] * v - v * M7(es.eigenvalues().asDiagonal())).cwiseAbs().maxCoeff() /
+                       Scale(in.sym[c]));
     }
     int c = 0;
     Eigen::SelfAdjointEigenSolver<M7> es;
@@ -100,14 +100,16 @@ void BM_generalized_eig7_QZ(benchmark::State &state) {
         M7 v;
         Eigen::Matrix<double, 7, 1> l;
         generalized_eig7(1e-15, in.sym[c].data(), in.spd[c].data(), v.data(), l.data());
-        worst = std::max(worst, (in.sym[c] * v - in.spd[c] * v * M7(l.asDiagonal())).cwiseAbs().maxCoeff() /
-                                    Scale(in.sym[c]));
+        worst = std::max(
+            worst, (in.sym[c] * v - in.spd[c] * v * M7(l.asDiagonal())).cwiseAbs().maxCoeff() /
+                       Scale(in.sym[c]));
     }
     int c = 0;
     for (auto _ : state) {
         M7 v;
         double l[7];
-        benchmark::DoNotOptimize(generalized_eig7(1e-15, in.sym[c].data(), in.spd[c].data(), v.data(), l));
+        benchmark::DoNotOptimize(
+            generalized_eig7(1e-15, in.sym[c].data(), in.spd[c].data(), v.data(), l));
         benchmark::DoNotOptimize(v.data());
         c = (c + 1) % kCases;
     }
@@ -120,7 +122,9 @@ void BM_generalized_eig7_Eigen(benchmark::State &state) {
     for (int c = 0; c < kCases; ++c) {
         Eigen::GeneralizedSelfAdjointEigenSolver<M7> es(in.sym[c], in.spd[c]);
         const M7 v = es.eigenvectors();
-        worst = std::max(worst, (in.sym[c] * v - in.spd[c] * v * M7(es.eigenvalues().asDiagonal())).cwiseAbs().maxCoeff() /
+        worst = std::max(worst, (in.sym[c] * v - in.spd[c] * v * M7(es.eigenvalues().asDiagonal()))
+                                        .cwiseAbs()
+                                        .maxCoeff() /
                                     Scale(in.sym[c]));
     }
     int c = 0;
@@ -139,7 +143,8 @@ void BM_Cholesky7_QZ(benchmark::State &state) {
     for (int c = 0; c < kCases; ++c) {
         M7 l;
         Cholesky7(in.spd[c].data(), l.data(), 7);
-        worst = std::max(worst, (l * l.transpose() - in.spd[c]).cwiseAbs().maxCoeff() / Scale(in.spd[c]));
+        worst = std::max(worst,
+                         (l * l.transpose() - in.spd[c]).cwiseAbs().maxCoeff() / Scale(in.spd[c]));
     }
     int c = 0;
     for (auto _ : state) {
@@ -156,7 +161,8 @@ void BM_Cholesky7_Eigen(benchmark::State &state) {
     double worst = 0.0;
     for (int c = 0; c < kCases; ++c) {
         const M7 l = Eigen::LLT<M7>(in.spd[c]).matrixL();
-        worst = std::max(worst, (l * l.transpose() - in.spd[c]).cwiseAbs().maxCoeff() / Scale(in.spd[c]));
+        worst = std::max(worst,
+                         (l * l.transpose() - in.spd[c]).cwiseAbs().maxCoeff() / Scale(in.spd[c]));
     }
     int c = 0;
     Eigen::LLT<M7> llt;
@@ -168,7 +174,9 @@ void BM_Cholesky7_Eigen(benchmark::State &state) {
     Report(state, worst);
 }
 
-double PinvResidual(const M67 &a, const M76 &p) { return (a * p - M6::Identity()).cwiseAbs().maxCoeff() / (6 * kEps); }
+double PinvResidual(const M67 &a, const M76 &p) {
+    return (a * p - M6::Identity()).cwiseAbs().maxCoeff() / (6 * kEps);
+}
 
 void BM_RightPsoInv67_QZ(benchmark::State &state) {
     const Inputs &in = Cases();

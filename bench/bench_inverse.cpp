@@ -79,7 +79,8 @@ double PlainDeterminant(const double *A, int n) {
     for (int k = 0; k < n; ++k) {
         double M[64];
         for (int r = 0; r < n - 1; ++r) {
-            for (int j = 0; j < n - 1; ++j) M[r * 8 + j] = j < k ? A[(r + 1) * 8 + j] : A[(r + 1) * 8 + j + 1];
+            for (int j = 0; j < n - 1; ++j)
+                M[r * 8 + j] = j < k ? A[(r + 1) * 8 + j] : A[(r + 1) * 8 + j + 1];
         }
         const double term = PlainDeterminant(M, n - 1) * A[k];
         det = (k % 2 == 0) ? det + term : det - term;

@@ -43,8 +43,8 @@ void RunQZ(benchmark::State &state, Product f) {
     }
 }
 
-#define QZ_BENCH(name, M, K, P)                                                        \
-    void BM_QZ_##name(benchmark::State &s) { RunQZ<M, K, P>(s, QZ_##name); }            \
+#define QZ_BENCH(name, M, K, P)                                              \
+    void BM_QZ_##name(benchmark::State &s) { RunQZ<M, K, P>(s, QZ_##name); } \
     BENCHMARK(BM_QZ_##name);
 
 QZ_BENCH(MatrixMult3, 3, 3, 3)
@@ -77,8 +77,8 @@ void RunEigen(benchmark::State &state) {
     }
 }
 
-#define EIGEN_BENCH(name, M, K, P)                                         \
-    void BM_Eigen_##name(benchmark::State &s) { RunEigen<M, K, P>(s); }    \
+#define EIGEN_BENCH(name, M, K, P)                                      \
+    void BM_Eigen_##name(benchmark::State &s) { RunEigen<M, K, P>(s); } \
     BENCHMARK(BM_Eigen_##name);
 
 EIGEN_BENCH(MatrixMult3, 3, 3, 3)

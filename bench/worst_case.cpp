@@ -42,11 +42,21 @@ constexpr double kSub = 3e-310;  // subnormal
 constexpr int kAxes = 7;
 
 // Input classes; the ordinary one is 0.
-enum Event { kNone, kJump, kLimits, kDeadBand, kReset, kNaNIn, kInfIn, kSubnormal, kHuge, kSingular };
-const char *const kEventName[] = {"ordinary",   "target jump",    "limit change",
-                                  "dead band",  "reset",          "NaN input",
-                                  "inf input",  "subnormal input", "huge input",
-                                  "near-singular"};
+enum Event {
+    kNone,
+    kJump,
+    kLimits,
+    kDeadBand,
+    kReset,
+    kNaNIn,
+    kInfIn,
+    kSubnormal,
+    kHuge,
+    kSingular
+};
+const char *const kEventName[] = {"ordinary",   "target jump",  "limit change", "dead band",
+                                  "reset",      "NaN input",    "inf input",    "subnormal input",
+                                  "huge input", "near-singular"};
 
 // The fixed schedule of events: call k carries at most one.
 Event EventAt(long k) {
@@ -149,7 +159,8 @@ void CascadeInit() {
 Event CascadePrepare(long k) {
     const Event e = Targets(k, kAxes);
     if (e == kLimits || e == kDeadBand) QZNSyncDTS_OnSetRunTimeLmtM(&cascade, lim, alim);
-    if (e == kReset || EventAt(k - 1) == kNaNIn || EventAt(k - 1) == kInfIn) QZNSyncDTS_OnEmptyM(&cascade);
+    if (e == kReset || EventAt(k - 1) == kNaNIn || EventAt(k - 1) == kInfIn)
+        QZNSyncDTS_OnEmptyM(&cascade);
     return e;
 }
 void CascadeCall() { QZNSyncDTS_OnDTM(&cascade, tgt, pos); }
@@ -169,7 +180,8 @@ const Case kTrackers[] = {
      [](long k) {
          const Event e = Targets(k, 1);
          if (e == kLimits || e == kDeadBand) QZVDT_OnSetRunTimeLmt(&single, lim[0], alim[0]);
-         if (e == kReset || EventAt(k - 1) == kNaNIn || EventAt(k - 1) == kInfIn) QZVDT_OnEmpty(&single);
+         if (e == kReset || EventAt(k - 1) == kNaNIn || EventAt(k - 1) == kInfIn)
+             QZVDT_OnEmpty(&single);
          return e;
      },
      [] { QZVDT_OnDT(&single, one, &oneOut); }},
@@ -183,7 +195,8 @@ const Case kTrackers[] = {
      [](long k) {
          const Event e = Targets(k, 1);
          if (e == kLimits || e == kDeadBand) QZVDT_OnSetRunTimeLmtM(&multi, lim[0], alim[0], 2);
-         if (e == kReset || EventAt(k - 1) == kNaNIn || EventAt(k - 1) == kInfIn) QZVDT_OnEmptyM(&multi);
+         if (e == kReset || EventAt(k - 1) == kNaNIn || EventAt(k - 1) == kInfIn)
+             QZVDT_OnEmptyM(&multi);
          return e;
      },
      [] { QZVDT_OnDT_BM(&multi, one, &oneOut); }},
@@ -196,7 +209,8 @@ const Case kTrackers[] = {
      [](long k) {
          const Event e = Targets(k, kAxes);
          if (e == kLimits || e == kDeadBand) QZNSyncDTS_OnSetRunTimeLmt(&smooth, lim, alim);
-         if (e == kReset || EventAt(k - 1) == kNaNIn || EventAt(k - 1) == kInfIn) QZNSyncDTS_OnEmpty(&smooth);
+         if (e == kReset || EventAt(k - 1) == kNaNIn || EventAt(k - 1) == kInfIn)
+             QZNSyncDTS_OnEmpty(&smooth);
          return e;
      },
      [] { QZNSyncDTS_OnDT(&smooth, tgt, pos); }},
@@ -230,7 +244,8 @@ const Case kTrackers[] = {
      },
      [](long k) {
          const Event e = Targets(k, kAxes);
-         if (e == kReset || EventAt(k - 1) == kNaNIn || EventAt(k - 1) == kInfIn) QZAVGF_OnEmpty(&avgf);
+         if (e == kReset || EventAt(k - 1) == kNaNIn || EventAt(k - 1) == kInfIn)
+             QZAVGF_OnEmpty(&avgf);
          return e;
      },
      [] { QZAVGF_OnFilt(&avgf, tgt, pos, vel); }},
@@ -257,7 +272,8 @@ const Case kTrackers[] = {
      },
      [](long k) {
          const Event e = Targets(k, kAxes);
-         if (EventAt(k - 1) == kNaNIn || EventAt(k - 1) == kInfIn) OneFitterInit(&fitter, kAxes, jerk);
+         if (EventAt(k - 1) == kNaNIn || EventAt(k - 1) == kInfIn)
+             OneFitterInit(&fitter, kAxes, jerk);
          return e;
      },
      [] { OneFitterRun(&fitter, tgt, pos); }},
@@ -269,7 +285,8 @@ const Case kTrackers[] = {
      [](long k) {
          const Event e = Targets(k, kAxes);
          for (int i = 0; i < kAxes; ++i) pos[i] = tgt[i] + Uniform(-2.0, 2.0);
-         if (EventAt(k - 1) == kNaNIn || EventAt(k - 1) == kInfIn) QZ_DCTRL_ErrorCompare_Init(0, &comparator);
+         if (EventAt(k - 1) == kNaNIn || EventAt(k - 1) == kInfIn)
+             QZ_DCTRL_ErrorCompare_Init(0, &comparator);
          return e;
      },
      [] { QZ_DCTRL_ErrorCompare(0, tgt, pos, &comparator, vel); }},
@@ -285,9 +302,11 @@ QZSlerpFactorState slerpState;
 // value classes on events.
 Event RandomMatrix(long k, int rows, int cols, double *m) {
     const Event e = EventAt(k);
-    for (int i = 0; i < rows * cols; ++i) m[i] = Uniform(-1.0, 1.0) + (i % (cols + 1) == 0 ? 3.0 : 0.0);
+    for (int i = 0; i < rows * cols; ++i)
+        m[i] = Uniform(-1.0, 1.0) + (i % (cols + 1) == 0 ? 3.0 : 0.0);
     if (e == kSingular) {  // one row a combination of two others, off by 1e-13
-        for (int j = 0; j < cols; ++j) m[(rows - 1) * cols + j] = m[j] + 0.5 * m[cols + j] + 1e-13 * j;
+        for (int j = 0; j < cols; ++j)
+            m[(rows - 1) * cols + j] = m[j] + 0.5 * m[cols + j] + 1e-13 * j;
     } else if (e >= kNaNIn && e <= kHuge) {
         m[static_cast<int>(rng() % (rows * cols))] = Disturb(e, 0.0);
     }
@@ -434,10 +453,10 @@ double TimerOverhead() {
 double TicksPerNanosecond() {
     const auto t0 = std::chrono::steady_clock::now();
     const std::uint64_t a = __rdtsc();
-    while (std::chrono::steady_clock::now() - t0 < std::chrono::milliseconds(200)) {
-    }
+    while (std::chrono::steady_clock::now() - t0 < std::chrono::milliseconds(200)) {}
     const std::uint64_t b = __rdtsc();
-    const double ns = std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - t0).count();
+    const double ns =
+        std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - t0).count();
     return (b - a) / ns;
 }
 
@@ -476,9 +495,12 @@ int main(int argc, char **argv) {
     std::string only;
     for (int i = 1; i < argc; ++i) {
         const std::string a = argv[i];
-        if (a == "--calls" && i + 1 < argc) calls = std::atol(argv[++i]);
-        else if (a == "--count") count = true;
-        else if (a == "--only" && i + 1 < argc) only = argv[++i];
+        if (a == "--calls" && i + 1 < argc)
+            calls = std::atol(argv[++i]);
+        else if (a == "--count")
+            count = true;
+        else if (a == "--only" && i + 1 < argc)
+            only = argv[++i];
         else {
             std::fprintf(stderr, "usage: %s [--calls N] [--count] [--only NAME]\n", argv[0]);
             return 2;
@@ -501,8 +523,9 @@ int main(int argc, char **argv) {
     CPU_SET(0, &one);
     const bool pinned = sched_setaffinity(0, sizeof one, &one) == 0;
     const double overhead = TimerOverhead();
-    std::printf("%ld calls per function, %s, TSC %.3f ticks/ns, timer overhead %.0f ticks subtracted\n",
-                calls, pinned ? "pinned to CPU 0" : "NOT pinned", TicksPerNanosecond(), overhead);
+    std::printf(
+        "%ld calls per function, %s, TSC %.3f ticks/ns, timer overhead %.0f ticks subtracted\n",
+        calls, pinned ? "pinned to CPU 0" : "NOT pinned", TicksPerNanosecond(), overhead);
     std::printf("%-36s %8s %8s %10s %10s  %s\n", "function", "median", "p99.9", "max", "subnormal",
                 "input at max");
     for (const Case &c : cases) {

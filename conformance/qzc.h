@@ -16,12 +16,12 @@ extern "C" {
 
 /* Capacities of one call frame. QZC_GUARD slots after every output area must stay untouched. */
 enum {
-    QZC_MAXD = 256,  /* double inputs */
-    QZC_MAXI = 16,   /* int32 inputs */
-    QZC_MAXX = 128,  /* in/out doubles (given before the call, compared after) */
-    QZC_MAXO = 256,  /* double outputs */
-    QZC_MAXB = 16,   /* uint8 outputs */
-    QZC_MAXN = 32,   /* int32 outputs */
+    QZC_MAXD = 256, /* double inputs */
+    QZC_MAXI = 16,  /* int32 inputs */
+    QZC_MAXX = 128, /* in/out doubles (given before the call, compared after) */
+    QZC_MAXO = 256, /* double outputs */
+    QZC_MAXB = 16,  /* uint8 outputs */
+    QZC_MAXN = 32,  /* int32 outputs */
     QZC_GUARD = 8,
     QZC_RECMAX = 32768, /* largest record */
     QZC_RECGUARD = 64   /* guard bytes after a record */
@@ -57,8 +57,8 @@ typedef struct qzc_frame {
     double o[QZC_MAXO + QZC_GUARD];
     uint8_t b[QZC_MAXB + QZC_GUARD];
     int32_t n[QZC_MAXN + QZC_GUARD];
-    uint64_t ret;  /* result bits: a double's bits, or an integer zero-extended */
-    void *rec;     /* the record of the sequence, NULL for pure functions */
+    uint64_t ret; /* result bits: a double's bits, or an integer zero-extended */
+    void *rec;    /* the record of the sequence, NULL for pure functions */
 } qzc_frame;
 
 /* One exported function: result kind ('d' double, 'i' int32, 'u' uint8, 'v' none), the record it

@@ -85,9 +85,9 @@ static uint64_t load(char type, const unsigned char *p) {
     double d;
     int32_t i;
     switch (type) {
-    case 'd': memcpy(&d, p, 8); return qzc_bits(d);
-    case 'i': memcpy(&i, p, 4); return (uint64_t)(uint32_t)i;
-    default: return *p;
+        case 'd': memcpy(&d, p, 8); return qzc_bits(d);
+        case 'i': memcpy(&i, p, 4); return (uint64_t)(uint32_t)i;
+        default: return *p;
     }
 }
 
@@ -132,11 +132,17 @@ static void element_name(char *buf, size_t len, const char *prefix, const qzc_fi
     memcpy(buf, tmp, strlen(tmp) + 1);
 }
 
-struct flat_ctx { uint64_t *bits; char *types; int max; };
+struct flat_ctx {
+    uint64_t *bits;
+    char *types;
+    int max;
+};
 static int flat_visit(void *c, int k, char type, const unsigned char *p, const char *prefix,
                       const qzc_field *fd, int idx) {
     struct flat_ctx *x = (struct flat_ctx *)c;
-    (void)prefix; (void)fd; (void)idx;
+    (void)prefix;
+    (void)fd;
+    (void)idx;
     if (k >= x->max) return 1;
     if (x->bits) x->bits[k] = load(type, p);
     if (x->types) x->types[k] = type;
@@ -146,7 +152,9 @@ static int flat_visit(void *c, int k, char type, const unsigned char *p, const c
 int qzc_rec_flatten(const qzc_record *r, const void *p, uint64_t *bits, char *types, int max) {
     struct flat_ctx c;
     int k = 0;
-    c.bits = bits; c.types = types; c.max = max;
+    c.bits = bits;
+    c.types = types;
+    c.max = max;
     walk(r, (const unsigned char *)p, &k, flat_visit, &c, "");
     return k;
 }
@@ -155,11 +163,16 @@ int qzc_rec_count(const qzc_record *r) {
     return qzc_rec_flatten(r, rec_store.c, NULL, NULL, 1 << 30);
 }
 
-struct name_ctx { int want; char *buf; size_t len; };
+struct name_ctx {
+    int want;
+    char *buf;
+    size_t len;
+};
 static int name_visit(void *c, int k, char type, const unsigned char *p, const char *prefix,
                       const qzc_field *fd, int idx) {
     struct name_ctx *x = (struct name_ctx *)c;
-    (void)type; (void)p;
+    (void)type;
+    (void)p;
     if (k != x->want) return 0;
     element_name(x->buf, x->len, prefix, fd, idx);
     return 1;
@@ -168,18 +181,25 @@ static int name_visit(void *c, int k, char type, const unsigned char *p, const c
 void qzc_rec_name(const qzc_record *r, int k, char *buf, size_t len) {
     struct name_ctx c;
     int n = 0;
-    c.want = k; c.buf = buf; c.len = len;
+    c.want = k;
+    c.buf = buf;
+    c.len = len;
     buf[0] = 0;
     walk(r, rec_store.c, &n, name_visit, &c, "");
 }
 
-struct digest_ctx { uint64_t h; };
+struct digest_ctx {
+    uint64_t h;
+};
 static int digest_visit(void *c, int k, char type, const unsigned char *p, const char *prefix,
                         const qzc_field *fd, int idx) {
     struct digest_ctx *x = (struct digest_ctx *)c;
     uint64_t v = load(type, p);
     size_t w = width(type), j;
-    (void)k; (void)prefix; (void)fd; (void)idx;
+    (void)k;
+    (void)prefix;
+    (void)fd;
+    (void)idx;
     if (type == 'd' && qzc_is_nan_bits(v)) v = 0x7ff8000000000000ull;
     for (j = 0; j < w; ++j) {
         x->h ^= (v >> (8 * j)) & 0xffu;
@@ -196,7 +216,11 @@ uint64_t qzc_rec_digest(const qzc_record *r, const void *p) {
     return c.h;
 }
 
-struct set_ctx { const char *path; uint64_t bits; int done; };
+struct set_ctx {
+    const char *path;
+    uint64_t bits;
+    int done;
+};
 static int set_visit(void *c, int k, char type, const unsigned char *p, const char *prefix,
                      const qzc_field *fd, int idx) {
     struct set_ctx *x = (struct set_ctx *)c;
@@ -209,9 +233,12 @@ static int set_visit(void *c, int k, char type, const unsigned char *p, const ch
         double d = qzc_double(x->bits);
         int32_t i = (int32_t)(uint32_t)x->bits;
         uint8_t u = (uint8_t)x->bits;
-        if (type == 'd') memcpy(w, &d, 8);
-        else if (type == 'i') memcpy(w, &i, 4);
-        else memcpy(w, &u, 1);
+        if (type == 'd')
+            memcpy(w, &d, 8);
+        else if (type == 'i')
+            memcpy(w, &i, 4);
+        else
+            memcpy(w, &u, 1);
     }
     x->done = 1;
     return 1;
@@ -220,7 +247,9 @@ static int set_visit(void *c, int k, char type, const unsigned char *p, const ch
 int qzc_rec_set(const qzc_record *r, void *p, const char *path, uint64_t bits) {
     struct set_ctx c;
     int k = 0;
-    c.path = path; c.bits = bits; c.done = 0;
+    c.path = path;
+    c.bits = bits;
+    c.done = 0;
     walk(r, (const unsigned char *)p, &k, set_visit, &c, "");
     return c.done;
 }
@@ -283,8 +312,10 @@ int qzc_parse(char type, const char *tok, uint64_t *bits) {
     } else {
         long v = strtol(tok, &end, 10);
         if (*end != 0 || end == tok) return 0;
-        if (type == 'i') *bits = (uint64_t)(uint32_t)(int32_t)v;
-        else *bits = (uint64_t)(v & 0xff);
+        if (type == 'i')
+            *bits = (uint64_t)(uint32_t)(int32_t)v;
+        else
+            *bits = (uint64_t)(v & 0xff);
         return 1;
     }
 }
@@ -292,7 +323,10 @@ int qzc_parse(char type, const char *tok, uint64_t *bits) {
 char *qzc_token(char **p) {
     char *s = *p, *t;
     while (*s == ' ' || *s == '\t' || *s == '\n' || *s == '\r') ++s;
-    if (*s == 0) { *p = s; return NULL; }
+    if (*s == 0) {
+        *p = s;
+        return NULL;
+    }
     t = s;
     while (*s && *s != ' ' && *s != '\t' && *s != '\n' && *s != '\r') ++s;
     if (*s) *s++ = 0;
@@ -310,8 +344,10 @@ static void append(char *buf, char type, uint64_t bits) {
 
 /* An output the call left unwritten still holds its sentinel: written as "~". */
 static void append_out(char *buf, char type, uint64_t bits, uint64_t sentinel) {
-    if (bits == sentinel) strcat(buf, " ~");
-    else append(buf, type, bits);
+    if (bits == sentinel)
+        strcat(buf, " ~");
+    else
+        append(buf, type, bits);
 }
 
 void qzc_format_inputs(const qzc_fn *fn, const qzc_frame *f, char *buf) {
@@ -325,7 +361,8 @@ void qzc_format_outputs(const qzc_fn *fn, const qzc_frame *f, char *buf) {
     int k;
     if (fn->ret != 'v') append(buf, fn->ret, f->ret);
     for (k = 0; k < fn->nx; ++k) append(buf, 'd', qzc_bits(f->x[k]));
-    for (k = 0; k < fn->no; ++k) append_out(buf, 'd', qzc_bits(f->o[k]), QZC_SENTINEL_D | (uint64_t)k);
+    for (k = 0; k < fn->no; ++k)
+        append_out(buf, 'd', qzc_bits(f->o[k]), QZC_SENTINEL_D | (uint64_t)k);
     for (k = 0; k < fn->nb; ++k) append_out(buf, 'u', f->b[k], QZC_SENTINEL_B);
     for (k = 0; k < fn->nn; ++k)
         append_out(buf, 'i', (uint64_t)(uint32_t)f->n[k], (uint64_t)(uint32_t)(QZC_SENTINEL_N | k));

@@ -63,8 +63,10 @@ static int expect(char **p, char type, uint64_t got, uint64_t sentinel, const ch
     }
     if (qzc_same(type, want, got, strict_nan)) return 1;
     qzc_format(type, want, a);
-    if (got == sentinel) strcpy(b, "unwritten");
-    else qzc_format(type, got, b);
+    if (got == sentinel)
+        strcpy(b, "unwritten");
+    else
+        qzc_format(type, got, b);
     sprintf(diff, "%s expected %s got %s", item, a, b);
     return 0;
 }
@@ -81,24 +83,39 @@ static void run_call(const qzc_fn *fn, char *p, void *rec, const char *where, in
     for (k = 0; k < fn->nd + fn->ni + fn->nx; ++k) {
         char type = k < fn->nd || k >= fn->nd + fn->ni ? 'd' : 'i';
         tok = qzc_token(&p);
-        if (!tok || !qzc_parse(type, tok, &bits)) { bad(where, "input"); return; }
-        if (k < fn->nd) f->d[k] = qzc_double(bits);
-        else if (k < fn->nd + fn->ni) f->i[k - fn->nd] = (int32_t)(uint32_t)bits;
-        else f->x[k - fn->nd - fn->ni] = qzc_double(bits);
+        if (!tok || !qzc_parse(type, tok, &bits)) {
+            bad(where, "input");
+            return;
+        }
+        if (k < fn->nd)
+            f->d[k] = qzc_double(bits);
+        else if (k < fn->nd + fn->ni)
+            f->i[k - fn->nd] = (int32_t)(uint32_t)bits;
+        else
+            f->x[k - fn->nd - fn->ni] = qzc_double(bits);
     }
     tok = qzc_token(&p);
-    if (!tok || strcmp(tok, "=") != 0) { bad(where, "expected '='"); return; }
+    if (!tok || strcmp(tok, "=") != 0) {
+        bad(where, "expected '='");
+        return;
+    }
     f->rec = rec;
     fn->call(f);
     ++st->cases;
 
     diff[0] = 0;
-#define CHECK(type, got, sentinel, ...)                         \
-    do {                                                        \
-        sprintf(item, __VA_ARGS__);                             \
-        r = expect(&p, type, got, sentinel, item, diff);        \
-        if (r < 0) { bad(where, diff); return; }                \
-        if (r == 0) { ok = 0; goto done; }                      \
+#define CHECK(type, got, sentinel, ...)                  \
+    do {                                                 \
+        sprintf(item, __VA_ARGS__);                      \
+        r = expect(&p, type, got, sentinel, item, diff); \
+        if (r < 0) {                                     \
+            bad(where, diff);                            \
+            return;                                      \
+        }                                                \
+        if (r == 0) {                                    \
+            ok = 0;                                      \
+            goto done;                                   \
+        }                                                \
     } while (0)
     /* ~0 marks values that cannot be "unwritten": only output slots carry a sentinel */
     if (fn->ret != 'v') CHECK(fn->ret, f->ret, ~(uint64_t)0, "result");
@@ -107,12 +124,19 @@ static void run_call(const qzc_fn *fn, char *p, void *rec, const char *where, in
         CHECK('d', qzc_bits(f->o[k]), QZC_SENTINEL_D | (uint64_t)k, "out[%d]", k);
     for (k = 0; k < fn->nb; ++k) CHECK('u', f->b[k], QZC_SENTINEL_B, "byte[%d]", k);
     for (k = 0; k < fn->nn; ++k)
-        CHECK('i', (uint64_t)(uint32_t)f->n[k], (uint64_t)(uint32_t)(QZC_SENTINEL_N | k), "int[%d]", k);
+        CHECK('i', (uint64_t)(uint32_t)f->n[k], (uint64_t)(uint32_t)(QZC_SENTINEL_N | k), "int[%d]",
+              k);
     if (fn->rec) CHECK('d', qzc_rec_digest(fn->rec, rec), ~(uint64_t)0, "record digest");
 #undef CHECK
 done:
-    if (ok && !qzc_guards_ok(fn, f)) { ok = 0; sprintf(diff, "wrote past its outputs"); }
-    if (ok && fn->rec && !qzc_rec_guard_ok(fn->rec)) { ok = 0; sprintf(diff, "wrote past the record"); }
+    if (ok && !qzc_guards_ok(fn, f)) {
+        ok = 0;
+        sprintf(diff, "wrote past its outputs");
+    }
+    if (ok && fn->rec && !qzc_rec_guard_ok(fn->rec)) {
+        ok = 0;
+        sprintf(diff, "wrote past the record");
+    }
     if (!ok) {
         char what[512];
         sprintf(what, "%s: %s", fn->name, diff);
@@ -131,7 +155,8 @@ static void run_state(const qzc_record *rec, char *p, const char *where) {
     stat_t *st;
     int n, k;
     int idx = 0;
-    for (k = 0; k < qzc_record_count; ++k) if (qzc_records[k] == rec) idx = k;
+    for (k = 0; k < qzc_record_count; ++k)
+        if (qzc_records[k] == rec) idx = k;
     st = &rec_stats[idx];
     n = qzc_rec_flatten(rec, qzc_rec_buffer(), state_bits, state_types, QZC_RECMAX);
     ++st->cases;
@@ -140,8 +165,14 @@ static void run_state(const qzc_record *rec, char *p, const char *where) {
         int r;
         qzc_rec_name(rec, k, item, sizeof item);
         r = expect(&p, state_types[k], state_bits[k], ~(uint64_t)0, item, diff);
-        if (r < 0) { bad(where, diff); return; }
-        if (r == 0) { note(st, where, diff); return; }
+        if (r < 0) {
+            bad(where, diff);
+            return;
+        }
+        if (r == 0) {
+            note(st, where, diff);
+            return;
+        }
     }
     if (qzc_token(&p)) bad(where, "extra values in state line");
 }
@@ -151,7 +182,11 @@ static void run_file(const char *path) {
     const qzc_record *rec = NULL;
     char seq_label[128] = "", where[256];
     long lineno = 0, op = 0;
-    if (!in) { fprintf(stderr, "%s: cannot open\n", path); ++malformed; return; }
+    if (!in) {
+        fprintf(stderr, "%s: cannot open\n", path);
+        ++malformed;
+        return;
+    }
     while (fgets(line, sizeof line, in)) {
         char *p = line, *kind, *tok;
         ++lineno;
@@ -164,13 +199,19 @@ static void run_file(const char *path) {
         } else if (strcmp(kind, "c") == 0) {
             const qzc_fn *fn;
             char *name = qzc_token(&p), *label = qzc_token(&p);
-            if (!name || !label || !(fn = qzc_find_fn(name)) || fn->rec) { bad(where, "unknown function"); continue; }
+            if (!name || !label || !(fn = qzc_find_fn(name)) || fn->rec) {
+                bad(where, "unknown function");
+                continue;
+            }
             sprintf(where, "%.120s:%ld (%.60s)", path, lineno, label);
             run_call(fn, p, NULL, where, label[0] == '?');
         } else if (strcmp(kind, "seq") == 0) {
             char *rname = qzc_token(&p), *label = qzc_token(&p);
             rec = rname ? qzc_find_record(rname) : NULL;
-            if (!rec || !label) { bad(where, "unknown record"); continue; }
+            if (!rec || !label) {
+                bad(where, "unknown record");
+                continue;
+            }
             sprintf(seq_label, "%.100s", label);
             qzc_rec_fill(rec, 0);
             op = 0;
@@ -179,13 +220,19 @@ static void run_file(const char *path) {
         } else if (strcmp(kind, "op") == 0) {
             const qzc_fn *fn;
             char *name = qzc_token(&p);
-            if (!name || !(fn = qzc_find_fn(name)) || fn->rec != rec) { bad(where, "unknown operation"); continue; }
+            if (!name || !(fn = qzc_find_fn(name)) || fn->rec != rec) {
+                bad(where, "unknown operation");
+                continue;
+            }
             sprintf(where, "%.120s:%ld (%.60s op %ld)", path, lineno, seq_label, op++);
             run_call(fn, p, qzc_rec_buffer(), where, 0);
         } else if (strcmp(kind, "fill") == 0) {
             uint64_t v;
             tok = qzc_token(&p);
-            if (!tok || !qzc_parse('u', tok, &v)) { bad(where, "fill byte"); continue; }
+            if (!tok || !qzc_parse('u', tok, &v)) {
+                bad(where, "fill byte");
+                continue;
+            }
             qzc_rec_fill(rec, (unsigned)v);
         } else if (strcmp(kind, "set") == 0) {
             char *path_ = qzc_token(&p), *val = qzc_token(&p);
@@ -196,7 +243,8 @@ static void run_file(const char *path) {
                 qzc_rec_name(rec, k, name, sizeof name);
                 if (strcmp(name, path_) == 0) {
                     qzc_rec_flatten(rec, qzc_rec_buffer(), state_bits, state_types, QZC_RECMAX);
-                    done = qzc_parse(state_types[k], val, &v) && qzc_rec_set(rec, qzc_rec_buffer(), path_, v);
+                    done = qzc_parse(state_types[k], val, &v) &&
+                           qzc_rec_set(rec, qzc_rec_buffer(), path_, v);
                     break;
                 }
             }
@@ -220,7 +268,8 @@ static void report(const char *name, const stat_t *st, long *total, long *bad_to
     *bad_total += st->mismatches;
     noted_total += st->noted;
     if (st->mismatches)
-        printf("FAIL %-34s %7ld cases %6ld mismatches; first: %s\n", name, st->cases, st->mismatches, st->first);
+        printf("FAIL %-34s %7ld cases %6ld mismatches; first: %s\n", name, st->cases,
+               st->mismatches, st->first);
     else if (verbose || st->cases)
         printf("ok   %-34s %7ld cases\n", name, st->cases);
 }
@@ -236,14 +285,23 @@ int main(int argc, char **argv) {
         return 0;
     }
     for (k = 1; k < argc; ++k) {
-        if (strcmp(argv[k], "--strict-nan") == 0) strict_nan = 1;
-        else if (strcmp(argv[k], "--strict-all") == 0) strict_all = 1;
-        else if (strcmp(argv[k], "--require-all") == 0) require_all = 1;
-        else if (strcmp(argv[k], "--verbose") == 0) verbose = 1;
-        else { run_file(argv[k]); ++nfiles; }
+        if (strcmp(argv[k], "--strict-nan") == 0)
+            strict_nan = 1;
+        else if (strcmp(argv[k], "--strict-all") == 0)
+            strict_all = 1;
+        else if (strcmp(argv[k], "--require-all") == 0)
+            require_all = 1;
+        else if (strcmp(argv[k], "--verbose") == 0)
+            verbose = 1;
+        else {
+            run_file(argv[k]);
+            ++nfiles;
+        }
     }
     if (nfiles == 0) {
-        fprintf(stderr, "usage: qzc_runner [--strict-nan] [--strict-all] [--require-all] [--verbose] FILE...\n");
+        fprintf(stderr,
+                "usage: qzc_runner [--strict-nan] [--strict-all] [--require-all] [--verbose] "
+                "FILE...\n");
         return 2;
     }
     for (k = 0; k < qzc_function_count; ++k) {

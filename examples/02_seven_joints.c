@@ -24,9 +24,9 @@
 
 #define JOINTS 7
 
-static const double kVel[JOINTS] = {100, 100, 110, 130, 150, 180, 180};           /* deg/s */
-static const double kAcc[JOINTS] = {300, 300, 350, 450, 500, 600, 600};           /* deg/s^2 */
-static const double kJerk[JOINTS] = {3000, 3000, 3500, 5000, 6000, 8000, 8000};   /* deg/s^3 */
+static const double kVel[JOINTS] = {100, 100, 110, 130, 150, 180, 180};         /* deg/s */
+static const double kAcc[JOINTS] = {300, 300, 350, 450, 500, 600, 600};         /* deg/s^2 */
+static const double kJerk[JOINTS] = {3000, 3000, 3500, 5000, 6000, 8000, 8000}; /* deg/s^3 */
 static const double kStart[JOINTS] = {0, -30, 0, 60, 0, 45, 0};
 static const double kTarget1[JOINTS] = {120, 20, -45, 100, 60, -30, 120};
 static const double kTarget2[JOINTS] = {40, 10, 30, 80, -30, 10, 60};
@@ -48,7 +48,8 @@ int main(int argc, char **argv) {
     }
     fprintf(csv, "t");
     for (int i = 1; i <= JOINTS; ++i)
-        fprintf(csv, ",target%d,pos%d,vel%d,acc%d,jerk%d,vlim%d,alim%d,jlim%d", i, i, i, i, i, i, i, i);
+        fprintf(csv, ",target%d,pos%d,vel%d,acc%d,jerk%d,vlim%d,alim%d,jlim%d", i, i, i, i, i, i, i,
+                i);
     fprintf(csv, "\n");
 
     double pos[JOINTS], vel[JOINTS], acc[JOINTS], prevAcc[JOINTS] = {0}, vlim[JOINTS], half[JOINTS];
@@ -77,10 +78,12 @@ int main(int argc, char **argv) {
             if (absd(vel[i]) > peakV[i]) peakV[i] = absd(vel[i]);
             if (absd(acc[i]) > peakA[i]) peakA[i] = absd(acc[i]);
             if (absd(jerk) > peakJ[i]) peakJ[i] = absd(jerk);
-            if (absd(target[i] - pos[i]) >= 1e-9 || k < retargetAt) settled[i] = -1;
-            else if (settled[i] < 0) settled[i] = k;
-            fprintf(csv, ",%.17g,%.17g,%.17g,%.17g,%.17g,%g,%g,%g", target[i], pos[i], vel[i], acc[i], jerk,
-                    vlim[i], kAcc[i], kJerk[i]);
+            if (absd(target[i] - pos[i]) >= 1e-9 || k < retargetAt)
+                settled[i] = -1;
+            else if (settled[i] < 0)
+                settled[i] = k;
+            fprintf(csv, ",%.17g,%.17g,%.17g,%.17g,%.17g,%g,%g,%g", target[i], pos[i], vel[i],
+                    acc[i], jerk, vlim[i], kAcc[i], kJerk[i]);
         }
         fprintf(csv, "\n");
     }
@@ -89,13 +92,16 @@ int main(int argc, char **argv) {
         return 1;
     }
 
-    printf("seven joints, smoothed tracker, %.0f ms cycle: velocity limits halved at %.1f s, new target "
-           "at %.1f s\n",
-           cycleMs, lowerAt * dt, retargetAt * dt);
+    printf(
+        "seven joints, smoothed tracker, %.0f ms cycle: velocity limits halved at %.1f s, new "
+        "target "
+        "at %.1f s\n",
+        cycleMs, lowerAt * dt, retargetAt * dt);
     printf("joint span  v peak / limit   a peak / limit    j peak / limit   settled [s]\n");
     for (int i = 0; i < JOINTS; ++i) {
-        printf("%5d %4d  %6.2f / %-6.0f  %6.2f / %-6.0f  %7.1f / %-6.0f  %6.3f\n", i + 1, arm.avgLen[i],
-               peakV[i], kVel[i], peakA[i], kAcc[i], peakJ[i], kJerk[i], settled[i] * dt);
+        printf("%5d %4d  %6.2f / %-6.0f  %6.2f / %-6.0f  %7.1f / %-6.0f  %6.3f\n", i + 1,
+               arm.avgLen[i], peakV[i], kVel[i], peakA[i], kAcc[i], peakJ[i], kJerk[i],
+               settled[i] * dt);
     }
     printf("profile in %s\n", csvPath);
     return 0;

@@ -42,7 +42,8 @@ int main(int argc, char **argv) {
     }
     fprintf(csv, "t,target1,pos1,vel1,acc1,jerk1,vlim1,alim1,jlim1\n");
 
-    double target = 0.0, pos = 0.0, vel = 0.0, acc = 0.0, prevAcc = 0.0, lastTarget = 0.0, vlim = velLmt[0];
+    double target = 0.0, pos = 0.0, vel = 0.0, acc = 0.0, prevAcc = 0.0, lastTarget = 0.0,
+           vlim = velLmt[0];
     double peakVel = 0.0, peakAcc = 0.0, peakJerk = 0.0, peakAccBefore = 0.0, lowest = 1e300;
     int settled = -1;
     for (int k = 0; k <= cycles; ++k) {
@@ -61,10 +62,12 @@ int main(int argc, char **argv) {
         if (k < lowerAt && absd(acc) > peakAccBefore) peakAccBefore = absd(acc);
         if (absd(jerk) > peakJerk) peakJerk = absd(jerk);
         if (k >= retargetAt && pos < lowest) lowest = pos;
-        if (absd(target - pos) >= 1e-9 || k < retargetAt) settled = -1;
-        else if (settled < 0) settled = k;
-        fprintf(csv, "%.3f,%.17g,%.17g,%.17g,%.17g,%.17g,%g,%g,%g\n", k * dt, target, pos, vel, acc, jerk,
-                vlim, accLmt[0], jerkLmt[0]);
+        if (absd(target - pos) >= 1e-9 || k < retargetAt)
+            settled = -1;
+        else if (settled < 0)
+            settled = k;
+        fprintf(csv, "%.3f,%.17g,%.17g,%.17g,%.17g,%.17g,%g,%g,%g\n", k * dt, target, pos, vel, acc,
+                jerk, vlim, accLmt[0], jerkLmt[0]);
     }
     if (fclose(csv) != 0) {
         fprintf(stderr, "cannot write %s\n", csvPath);
@@ -72,15 +75,18 @@ int main(int argc, char **argv) {
     }
 
     const QZVDTMState *m = &axis.axis[0];
-    printf("multi-stage tracker, mode %d, span %d cycles: stage velocity limits %.2f %.2f %.2f %.2f "
-           "deg/s, correction band %.1f deg\n",
-           mode, axis.avgLen[0], m->stage[0].velLmt, m->stage[1].velLmt, m->stage[2].velLmt,
-           m->stage[3].velLmt, m->corrScale);
-    printf("settled on 40 deg at %.3f s (cycle %d), lowest %.6f deg, target jump seen %d\n", settled * dt,
-           settled, lowest, m->targetJump);
-    printf("peak speed %.2f deg/s; peak acceleration %.1f deg/s^2 before the limit change, %.1f overall; "
-           "peak jerk %.0f deg/s^3\n",
-           peakVel, peakAccBefore, peakAcc, peakJerk);
+    printf(
+        "multi-stage tracker, mode %d, span %d cycles: stage velocity limits %.2f %.2f %.2f %.2f "
+        "deg/s, correction band %.1f deg\n",
+        mode, axis.avgLen[0], m->stage[0].velLmt, m->stage[1].velLmt, m->stage[2].velLmt,
+        m->stage[3].velLmt, m->corrScale);
+    printf("settled on 40 deg at %.3f s (cycle %d), lowest %.6f deg, target jump seen %d\n",
+           settled * dt, settled, lowest, m->targetJump);
+    printf(
+        "peak speed %.2f deg/s; peak acceleration %.1f deg/s^2 before the limit change, %.1f "
+        "overall; "
+        "peak jerk %.0f deg/s^3\n",
+        peakVel, peakAccBefore, peakAcc, peakJerk);
     printf("profile in %s\n", csvPath);
     return 0;
 }

@@ -81,14 +81,21 @@ int main(void) {
         if (ms > sendUntil && droppedAt < 0 && est.velEst[0] == 0.0) droppedAt = ms;
     }
 
-    printf("estimator: 4 ms samples arriving 0-2 ms late, 1 ms cycle, joint at 30 deg/s from 0.2 s\n");
-    printf("velocity RMS error while cruising [deg/s]: per-cycle difference %.1f, per-arrival "
-           "difference %.2f, estimator %.1e\n",
-           QZ_Sqrt(sqErrCycle / nCruise), QZ_Sqrt(sqErrArrival / nCruise), QZ_Sqrt(sqErrEst / nCruise));
-    printf("at 1.0 s: estimated velocity %.3f deg/s, held position %.3f deg (true position %.3f deg)\n",
-           velAt1s, heldAt1s, truth_pos(1.0));
-    printf("jitter score %.2f (0 = regular); samples stopped at %.1f s, velocity estimate dropped to 0 at "
-           "%.3f s\n",
-           est.jitterScore, sendUntil * 0.001, droppedAt * 0.001);
+    printf(
+        "estimator: 4 ms samples arriving 0-2 ms late, 1 ms cycle, joint at 30 deg/s from 0.2 s\n");
+    printf(
+        "velocity RMS error while cruising [deg/s]: per-cycle difference %.1f, per-arrival "
+        "difference %.2f, estimator %.1e\n",
+        QZ_Sqrt(sqErrCycle / nCruise), QZ_Sqrt(sqErrArrival / nCruise),
+        QZ_Sqrt(sqErrEst / nCruise));
+    printf(
+        "at 1.0 s: estimated velocity %.3f deg/s, held position %.3f deg (true position %.3f "
+        "deg)\n",
+        velAt1s, heldAt1s, truth_pos(1.0));
+    printf(
+        "jitter score %.2f (0 = regular); samples stopped at %.1f s, velocity estimate dropped to "
+        "0 at "
+        "%.3f s\n",
+        est.jitterScore, sendUntil * 0.001, droppedAt * 0.001);
     return 0;
 }

@@ -49,10 +49,10 @@ static void averaging_filter(void) {
         sqVel += (vel - speed) * (vel - speed);
     }
     const int n = cycles - settle;
-    printf("averaging filter, window %d: position noise RMS %.4f -> %.4f deg, lag %.2f cycles\n", window,
-           QZ_Sqrt(sqRaw / n), QZ_Sqrt(sqAvg / n), lagSum / n);
-    printf("  its derivative: mean %.3f deg/s (true %.1f), RMS error %.2f deg/s\n", velSum / n, speed,
-           QZ_Sqrt(sqVel / n));
+    printf("averaging filter, window %d: position noise RMS %.4f -> %.4f deg, lag %.2f cycles\n",
+           window, QZ_Sqrt(sqRaw / n), QZ_Sqrt(sqAvg / n), lagSum / n);
+    printf("  its derivative: mean %.3f deg/s (true %.1f), RMS error %.2f deg/s\n", velSum / n,
+           speed, QZ_Sqrt(sqVel / n));
 }
 
 static void smoothed_velocity(void) {

@@ -27,8 +27,8 @@ typedef struct {
 /* An anthropomorphic arm: shoulder (joints 1-3), elbow (4), wrist (5-7), with small elbow and
  * wrist offsets, then a flange 107 mm beyond the last joint. Lengths in millimetres. */
 static const Link kArm[JOINTS] = {
-    {0.0, 0.0, 333.0},     {-HALF_PI, 0.0, 0.0},  {HALF_PI, 0.0, 316.0}, {HALF_PI, 82.5, 0.0},
-    {-HALF_PI, -82.5, 384.0}, {HALF_PI, 0.0, 0.0}, {HALF_PI, 88.0, 0.0},
+    {0.0, 0.0, 333.0},        {-HALF_PI, 0.0, 0.0}, {HALF_PI, 0.0, 316.0}, {HALF_PI, 82.5, 0.0},
+    {-HALF_PI, -82.5, 384.0}, {HALF_PI, 0.0, 0.0},  {HALF_PI, 88.0, 0.0},
 };
 static const Link kFlange = {0.0, 0.0, 107.0};
 
@@ -46,7 +46,8 @@ static void flange_transform(const double q[JOINTS], double t[16]) {
 
 static void print_matrix4(const double *t) {
     for (int i = 0; i < 4; ++i)
-        printf("  %10.6f %10.6f %10.6f %10.3f\n", t[4 * i], t[4 * i + 1], t[4 * i + 2], t[4 * i + 3]);
+        printf("  %10.6f %10.6f %10.6f %10.3f\n", t[4 * i], t[4 * i + 1], t[4 * i + 2],
+               t[4 * i + 3]);
 }
 
 int main(void) {
@@ -55,21 +56,21 @@ int main(void) {
     for (int i = 0; i < JOINTS; ++i) q[i] = DEG * qDeg[i];
 
     flange_transform(q, t);
-    printf("joints [deg]: %g %g %g %g %g %g %g\n", qDeg[0], qDeg[1], qDeg[2], qDeg[3], qDeg[4], qDeg[5],
-           qDeg[6]);
+    printf("joints [deg]: %g %g %g %g %g %g %g\n", qDeg[0], qDeg[1], qDeg[2], qDeg[3], qDeg[4],
+           qDeg[5], qDeg[6]);
     printf("flange transform (row-major, position in the last column, mm):\n");
     print_matrix4(t);
 
     /* XYZ angles, R = Rz(C) Ry(B) Rx(A). The ARC-named extraction is the one that answers in
      * degrees; its DEG-named twin answers in radians. */
     QZ_Matrix2XYZABC4ARC_XYZ(t, pose);
-    printf("flange XYZABC: %.3f %.3f %.3f mm, A %.3f B %.3f C %.3f deg\n", pose[0], pose[1], pose[2],
-           pose[3], pose[4], pose[5]);
+    printf("flange XYZABC: %.3f %.3f %.3f mm, A %.3f B %.3f C %.3f deg\n", pose[0], pose[1],
+           pose[2], pose[3], pose[4], pose[5]);
 
     /* Quaternion x, y, z, w with the scalar last. */
     QZ_Matrix2PosQuat(t, posQuat);
-    printf("flange PosQuat: %.3f %.3f %.3f mm, q = (%.6f, %.6f, %.6f, %.6f)\n", posQuat[0], posQuat[1],
-           posQuat[2], posQuat[3], posQuat[4], posQuat[5], posQuat[6]);
+    printf("flange PosQuat: %.3f %.3f %.3f mm, q = (%.6f, %.6f, %.6f, %.6f)\n", posQuat[0],
+           posQuat[1], posQuat[2], posQuat[3], posQuat[4], posQuat[5], posQuat[6]);
 
     /* Back from the pose (degrees) to a transform: the same frame to rounding. */
     QZ_XYZABC2Matrix4DEG(pose, back);
@@ -85,7 +86,7 @@ int main(void) {
     double pFlange[4];
     QZ_PGMatrixInv(t, inv);
     QZ_MatrixMultVect4(inv, pBase, pFlange);
-    printf("base point (600, 0, 300) mm in the flange frame: (%.3f, %.3f, %.3f) mm\n", pFlange[0], pFlange[1],
-           pFlange[2]);
+    printf("base point (600, 0, 300) mm in the flange frame: (%.3f, %.3f, %.3f) mm\n", pFlange[0],
+           pFlange[1], pFlange[2]);
     return 0;
 }

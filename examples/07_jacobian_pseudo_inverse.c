@@ -26,8 +26,8 @@ typedef struct {
 
 /* The arm of example 06 (millimetres). */
 static const Link kArm[JOINTS] = {
-    {0.0, 0.0, 333.0},     {-HALF_PI, 0.0, 0.0},  {HALF_PI, 0.0, 316.0}, {HALF_PI, 82.5, 0.0},
-    {-HALF_PI, -82.5, 384.0}, {HALF_PI, 0.0, 0.0}, {HALF_PI, 88.0, 0.0},
+    {0.0, 0.0, 333.0},        {-HALF_PI, 0.0, 0.0}, {HALF_PI, 0.0, 316.0}, {HALF_PI, 82.5, 0.0},
+    {-HALF_PI, -82.5, 384.0}, {HALF_PI, 0.0, 0.0},  {HALF_PI, 88.0, 0.0},
 };
 static const Link kFlange = {0.0, 0.0, 107.0};
 
@@ -86,8 +86,8 @@ int main(void) {
     Mat4433Transpose(t, rT);
     QZ_JACOB_TRAN_T67(j, rT, jFlange);
     QZ_Matrix67MultVect7(jFlange, qdot, twistFlange);
-    printf("the same motion seen from the flange: (%.3f, %.3f, %.3f) mm/s\n", twistFlange[0], twistFlange[1],
-           twistFlange[2]);
+    printf("the same motion seen from the flange: (%.3f, %.3f, %.3f) mm/s\n", twistFlange[0],
+           twistFlange[1], twistFlange[2]);
 
     /* With every joint at 0 the axes of joints 1, 3 and 5 lie on one vertical line: three
      * columns span only two directions, the Jacobian loses rank and J J^T is singular. */
@@ -95,7 +95,7 @@ int main(void) {
     double jZero[42], tZero[16], out[42];
     jacobian(qZero, jZero, tZero);
     const unsigned rc = QZ_RightPsoInv67(jZero, out);
-    printf("all joints at 0: flange %.1f mm out and %.1f mm up, QZ_RightPsoInv67 returns %u\n", tZero[3],
-           tZero[11], rc);
+    printf("all joints at 0: flange %.1f mm out and %.1f mm up, QZ_RightPsoInv67 returns %u\n",
+           tZero[3], tZero[11], rc);
     return 0;
 }

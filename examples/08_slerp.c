@@ -43,8 +43,8 @@ int main(void) {
     quat_of_abc(endAbc, q2);
     const double dot = q1[0] * q2[0] + q1[1] * q2[1] + q1[2] * q2[2] + q1[3] * q2[3];
     const double total = QZ_QuaternionAngleDeg(q1, q2);
-    printf("start q = (%.6f, %.6f, %.6f, %.6f), end q = (%.6f, %.6f, %.6f, %.6f), dot %.6f\n", q1[0], q1[1],
-           q1[2], q1[3], q2[0], q2[1], q2[2], q2[3], dot);
+    printf("start q = (%.6f, %.6f, %.6f, %.6f), end q = (%.6f, %.6f, %.6f, %.6f), dot %.6f\n",
+           q1[0], q1[1], q1[2], q1[3], q2[0], q2[1], q2[2], q2[3], dot);
     printf("turn from start to end: %.4f deg\n", total);
 
     /* A 1 s move at a 4 ms cycle: 250 steps, the pair's angle worked out on the first. */
@@ -63,15 +63,17 @@ int main(void) {
             printf("  %4.2f %8.3f %8.3f %8.3f   %8.4f\n", t, abc[0], abc[1], abc[2], angle);
         }
     }
-    printf("end quaternion after the first step: (%.6f, %.6f, %.6f, %.6f)%s\n", q2[0], q2[1], q2[2], q2[3],
-           dot < 0.0 ? ", negated for the shorter way" : "");
-    printf("angle from start vs t * %.4f deg over the move: largest difference %.1e deg\n", total, worst);
+    printf("end quaternion after the first step: (%.6f, %.6f, %.6f, %.6f)%s\n", q2[0], q2[1], q2[2],
+           q2[3], dot < 0.0 ? ", negated for the shorter way" : "");
+    printf("angle from start vs t * %.4f deg over the move: largest difference %.1e deg\n", total,
+           worst);
 
     /* The longer way round passes the opposite side: halfway it is 180 deg from the shorter way's
      * halfway orientation. */
     double longWay[4], shortWay[4];
     QZ_QuatSlerpL(q1, q2, 0.5, longWay);
     QZ_QuatSlerp(q1, q2, 0.5, shortWay);
-    printf("halfway, longer way vs shorter way: %.4f deg apart\n", QZ_QuaternionAngleDeg(longWay, shortWay));
+    printf("halfway, longer way vs shorter way: %.4f deg apart\n",
+           QZ_QuaternionAngleDeg(longWay, shortWay));
     return 0;
 }

@@ -32,12 +32,12 @@
 #define DEG 0.017453292519943295
 #define CYCLE_MS 1.0
 #define DT 0.001
-#define MOVE_S 2.0                 /* duration of the line */
-#define SETTLE_S 0.3               /* cycles after it, at rest, while the joints settle */
+#define MOVE_S 2.0   /* duration of the line */
+#define SETTLE_S 0.3 /* cycles after it, at rest, while the joints settle */
 #define LINE_MM 300.0
 #define TURN_RAD (30.0 * DEG)
-#define GAIN 50.0                  /* pose correction of the joint reference (1/s) */
-#define PATH_BOUND_MM 0.1          /* the bound docs/streaming.md states for this feeding */
+#define GAIN 50.0         /* pose correction of the joint reference (1/s) */
+#define PATH_BOUND_MM 0.1 /* the bound docs/streaming.md states for this feeding */
 
 /* Per-joint limits of a typical 7-joint arm (rad/s, rad/s^2, rad/s^3). */
 static const double kVel[7] = {2.175, 2.175, 2.175, 2.175, 2.61, 2.61, 2.61};
@@ -66,7 +66,7 @@ static double steady_lag(const QZNSyncDTSState *s, int i, double v) {
 }
 
 typedef struct {
-    double p0[3], dir[3];     /* start point and unit direction of the line */
+    double p0[3], dir[3];      /* start point and unit direction of the line */
     double qStart[4], qEnd[4]; /* flange orientations at its ends */
 } Path;
 
@@ -138,7 +138,8 @@ static Result run(int lead) {
         /* 3. The tracker, fed the absolute reference where it will be one lag L ahead:
          *    q + qdot L + qddot L^2 / 2, with L each joint's steady lag at its speed. */
         for (int i = 0; i < 7; ++i) {
-            const double lag = steady_lag(&tracker, i, qdot[i]), qddot = (qdot[i] - qdotPrev[i]) / DT;
+            const double lag = steady_lag(&tracker, i, qdot[i]),
+                         qddot = (qdot[i] - qdotPrev[i]) / DT;
             target[i] = lead ? q[i] + qdot[i] * lag + 0.5 * qddot * lag * lag : q[i];
             qdotPrev[i] = qdot[i];
         }
@@ -152,7 +153,8 @@ static Result run(int lead) {
         arm7_fk(out, 1.0, tOut);
         for (int i = 0; i < 3; ++i) d[i] = tOut[4 * i + 3] - path.p0[i];
         double along = QZ_VectDot(d, path.dir, 3), off = 0.0;
-        for (int i = 0; i < 3; ++i) off += (d[i] - along * path.dir[i]) * (d[i] - along * path.dir[i]);
+        for (int i = 0; i < 3; ++i)
+            off += (d[i] - along * path.dir[i]) * (d[i] - along * path.dir[i]);
         if (sqrt(off) > res.pathMm) res.pathMm = sqrt(off);
         /* The path's orientation where the flange is along the line: the time law inverted. */
         along = along < 0.0 ? 0.0 : along > LINE_MM ? LINE_MM : along;
@@ -162,7 +164,10 @@ static Result run(int lead) {
             path_at(&path, mid, pOn, qOn, tw);
             double a2[3];
             for (int i = 0; i < 3; ++i) a2[i] = pOn[i] - path.p0[i];
-            if (QZ_VectDot(a2, path.dir, 3) < along) lo = mid; else hi = mid;
+            if (QZ_VectDot(a2, path.dir, 3) < along)
+                lo = mid;
+            else
+                hi = mid;
         }
         path_at(&path, 0.5 * (lo + hi), pOn, qOn, tw);
         QZ_Matrix2Quaternion4(tOut, qOut);
@@ -180,13 +185,17 @@ int main(void) {
         printf("singular configuration on the way\n");
         return 1;
     }
-    printf("flange: 300 mm line with a 30 deg turn in 2 s, 1 ms cycle, N-axis tracker on 7 joints\n");
-    printf("targets led by the lag: largest path error %.3f mm, orientation error %.4f deg\n", led.pathMm,
-           led.turnDeg);
-    printf("absolute targets, no lead: largest path error %.3f mm, orientation error %.4f deg\n", plain.pathMm,
-           plain.turnDeg);
-    printf("path error within %.1f mm with the lead: %s\n", PATH_BOUND_MM, led.pathMm <= PATH_BOUND_MM ? "yes" : "no");
-    printf("cost per cycle (kinematics, Jacobian, pseudo-inverse, orientation error, tracker): %.1f us\n",
-           led.cycleUs);
+    printf(
+        "flange: 300 mm line with a 30 deg turn in 2 s, 1 ms cycle, N-axis tracker on 7 joints\n");
+    printf("targets led by the lag: largest path error %.3f mm, orientation error %.4f deg\n",
+           led.pathMm, led.turnDeg);
+    printf("absolute targets, no lead: largest path error %.3f mm, orientation error %.4f deg\n",
+           plain.pathMm, plain.turnDeg);
+    printf("path error within %.1f mm with the lead: %s\n", PATH_BOUND_MM,
+           led.pathMm <= PATH_BOUND_MM ? "yes" : "no");
+    printf(
+        "cost per cycle (kinematics, Jacobian, pseudo-inverse, orientation error, tracker): %.1f "
+        "us\n",
+        led.cycleUs);
     return led.pathMm <= PATH_BOUND_MM ? 0 : 1;
 }

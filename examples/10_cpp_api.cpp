@@ -23,9 +23,9 @@ struct Link {
 };
 constexpr double kHalfPi = 1.5707963267948966;
 constexpr Link kArm[kJoints + 1] = {
-    {{0.0}, 0.0, 333.0},      {{-kHalfPi}, 0.0, 0.0}, {{kHalfPi}, 0.0, 316.0}, {{kHalfPi}, 82.5, 0.0},
-    {{-kHalfPi}, -82.5, 384.0}, {{kHalfPi}, 0.0, 0.0}, {{kHalfPi}, 88.0, 0.0},
-    {{0.0}, 0.0, 107.0},  // the flange, 107 mm beyond the last joint
+    {{0.0}, 0.0, 333.0},    {{-kHalfPi}, 0.0, 0.0},     {{kHalfPi}, 0.0, 316.0},
+    {{kHalfPi}, 82.5, 0.0}, {{-kHalfPi}, -82.5, 384.0}, {{kHalfPi}, 0.0, 0.0},
+    {{kHalfPi}, 88.0, 0.0}, {{0.0}, 0.0, 107.0},  // the flange, 107 mm beyond the last joint
 };
 
 // Flange frame for joint angles in degrees.
@@ -41,9 +41,9 @@ qz::Mat4 Flange(const Joints &qDeg) {
 }  // namespace
 
 int main() {
-    const Joints vel{{100, 100, 110, 130, 150, 180, 180}};         // deg/s
-    const Joints acc{{300, 300, 350, 450, 500, 600, 600}};         // deg/s^2
-    const Joints jerk{{3000, 3000, 3500, 5000, 6000, 8000, 8000}}; // deg/s^3
+    const Joints vel{{100, 100, 110, 130, 150, 180, 180}};          // deg/s
+    const Joints acc{{300, 300, 350, 450, 500, 600, 600}};          // deg/s^2
+    const Joints jerk{{3000, 3000, 3500, 5000, 6000, 8000, 8000}};  // deg/s^3
     const Joints start{{0, -30, 0, 60, 0, 45, 0}};
     const Joints goal{{20, -30, 10, -110, 15, 95, 40}};
 
@@ -59,22 +59,24 @@ int main() {
             lower[3] = 65.0;
             lower[0] = 100.05;
             const auto report = arm.set_velocity_limits(lower);
-            std::printf("at 0.4 s: joint 1 limit 100.05 %s, joint 4 limit 65 %s\n", qz::to_string(report[0]),
-                        qz::to_string(report[3]));
+            std::printf("at 0.4 s: joint 1 limit 100.05 %s, joint 4 limit 65 %s\n",
+                        qz::to_string(report[0]), qz::to_string(report[3]));
         }
         const auto pva = arm.step_pva(k == 0 ? start : goal);
         if (!pva) return 1;
         q = pva->pos;
         bool all = true;
-        for (std::size_t i = 0; i < kJoints; ++i) all = all && (q[i] - goal[i]) * (q[i] - goal[i]) < 1e-18;
+        for (std::size_t i = 0; i < kJoints; ++i)
+            all = all && (q[i] - goal[i]) * (q[i] - goal[i]) < 1e-18;
         if (all) settled = k;
     }
-    std::printf("seven joints settled on the goal at %.3f s (cycle %d)\n", settled * 0.004, settled);
+    std::printf("seven joints settled on the goal at %.3f s (cycle %d)\n", settled * 0.004,
+                settled);
 
     const qz::Mat4 t = Flange(q);
     const auto pose = qz::pose_xyz<qz::Deg>(t);  // the unit is in the type
-    std::printf("flange XYZABC: %.3f %.3f %.3f mm, A %.3f B %.3f C %.3f deg\n", pose[0], pose[1], pose[2],
-                pose[3], pose[4], pose[5]);
+    std::printf("flange XYZABC: %.3f %.3f %.3f mm, A %.3f B %.3f C %.3f deg\n", pose[0], pose[1],
+                pose[2], pose[3], pose[4], pose[5]);
     const auto back = qz::transform(pose);
     double worst = 0.0;
     for (std::size_t i = 0; i < t.size(); ++i) {

@@ -39,9 +39,10 @@ void demo_single_axis(void) {
         prevPos = pos;
         prevVel = vel;
     }
-    printf("summary: peak speed %.4f, peak acceleration %.3f, settled at %.3f s (cycle %d), "
-           "final error %.3g\n",
-           peakVel, peakAcc, settled * dt, settled, target - pos);
+    printf(
+        "summary: peak speed %.4f, peak acceleration %.3f, settled at %.3f s (cycle %d), "
+        "final error %.3g\n",
+        peakVel, peakAcc, settled * dt, settled, target - pos);
 }
 
 int main(int argc, char **argv) {

@@ -21,8 +21,8 @@ static const int kCycles = 2000, kLimitAt = 250, kRetargetAt = 600;
 static const double kSettleTol = 1e-6; /* degrees */
 static const double kDegToRad = 0.017453292519943295;
 
-static const double kVel[JOINTS] = {98, 98, 100, 130, 140, 180, 180};         /* deg/s */
-static const double kAcc[JOINTS] = {300, 300, 350, 450, 500, 600, 600};       /* deg/s^2 */
+static const double kVel[JOINTS] = {98, 98, 100, 130, 140, 180, 180};           /* deg/s */
+static const double kAcc[JOINTS] = {300, 300, 350, 450, 500, 600, 600};         /* deg/s^2 */
 static const double kJerk[JOINTS] = {3000, 3000, 3500, 5000, 6000, 8000, 8000}; /* deg/s^3 */
 static const double kStart[JOINTS] = {0, -30, 0, 60, 0, 45, 0};
 static const double kTarget1[JOINTS] = {90, 20, -45, 100, 60, -30, 120};
@@ -40,7 +40,8 @@ typedef struct Arm {
 static int arm_init(Arm *arm) {
     double jerk[JOINTS];
     memcpy(jerk, kJerk, sizeof jerk);
-    if (arm->multistage) return QZNSyncDTS_OnInitM(&arm->multi, JOINTS, kCycleMs, kVel, kAcc, jerk, 1);
+    if (arm->multistage)
+        return QZNSyncDTS_OnInitM(&arm->multi, JOINTS, kCycleMs, kVel, kAcc, jerk, 1);
     return QZNSyncDTS_OnInit(&arm->plain, JOINTS, kCycleMs, kVel, kAcc, jerk);
 }
 
@@ -60,8 +61,8 @@ static void print_pose(const char *label, const double *qDeg) {
     double q[JOINTS], p[6];
     for (int i = 0; i < JOINTS; ++i) q[i] = kDegToRad * qDeg[i];
     demo_flange_pose(q, p);
-    printf("flange %s: %9.2f %9.2f %9.2f [mm] %8.2f %8.2f %8.2f [deg]\n", label, p[0], p[1], p[2], p[3],
-           p[4], p[5]);
+    printf("flange %s: %9.2f %9.2f %9.2f [mm] %8.2f %8.2f %8.2f [deg]\n", label, p[0], p[1], p[2],
+           p[3], p[4], p[5]);
 }
 
 int demo_arm(int argc, char **argv) {
@@ -122,7 +123,8 @@ int demo_arm(int argc, char **argv) {
         }
         if (csv) {
             fprintf(csv, "%.3f", k * kDt);
-            for (int i = 0; i < JOINTS; ++i) fprintf(csv, ",%.9g,%.9g,%.9g", pos[i], vel[i], acc[i]);
+            for (int i = 0; i < JOINTS; ++i)
+                fprintf(csv, ",%.9g,%.9g,%.9g", pos[i], vel[i], acc[i]);
             fprintf(csv, "\n");
         }
     }
@@ -131,15 +133,18 @@ int demo_arm(int argc, char **argv) {
         return 1;
     }
 
-    printf("seven-joint arm, %s tracker, %.0f ms cycle: v limits to 60%% at cycle %d, new target at "
-           "cycle %d%s%s\n",
-           arm.multistage ? "multi-stage" : "smoothed", kCycleMs, kLimitAt, kRetargetAt,
-           csvPath ? ", profile in " : "", csvPath ? csvPath : "");
-    printf("joint  v peak/limit [deg/s]  a peak/limit [deg/s^2]  j peak/limit [deg/s^3]  settled  "
-           "final error\n");
+    printf(
+        "seven-joint arm, %s tracker, %.0f ms cycle: v limits to 60%% at cycle %d, new target at "
+        "cycle %d%s%s\n",
+        arm.multistage ? "multi-stage" : "smoothed", kCycleMs, kLimitAt, kRetargetAt,
+        csvPath ? ", profile in " : "", csvPath ? csvPath : "");
+    printf(
+        "joint  v peak/limit [deg/s]  a peak/limit [deg/s^2]  j peak/limit [deg/s^3]  settled  "
+        "final error\n");
     for (int i = 0; i < JOINTS; ++i) {
-        printf("%5d  %9.2f / %-9.0f  %10.2f / %-9.0f  %10.0f / %-9.0f  %7d  %11.2e\n", i + 1, peakV[i],
-               kVel[i], peakA[i], kAcc[i], peakJ[i], kJerk[i], settled[i], target[i] - pos[i]);
+        printf("%5d  %9.2f / %-9.0f  %10.2f / %-9.0f  %10.0f / %-9.0f  %7d  %11.2e\n", i + 1,
+               peakV[i], kVel[i], peakA[i], kAcc[i], peakJ[i], kJerk[i], settled[i],
+               target[i] - pos[i]);
     }
     print_pose("start", kStart);
     print_pose("end", pos);

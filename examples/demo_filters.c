@@ -65,10 +65,11 @@ void demo_filters(void) {
     const double perCycle = speed * dt;
     printf("filters: joint ramp %.1f deg/s at %.0f ms, uniform noise +-%.1f deg (RMS %.4f deg)\n",
            speed, dt * 1000.0, noiseAmp, err_rms(&rawErr));
-    printf("averaging filter, window %d: noise RMS %.4f -> %.4f deg, lag %.2f cycles, "
-           "mean velocity %.3f deg/s\n",
-           window, err_rms(&rawErr), err_rms(&avgErr), err_mean(&avgErr) / perCycle,
-           velSum / (cycles - settle));
+    printf(
+        "averaging filter, window %d: noise RMS %.4f -> %.4f deg, lag %.2f cycles, "
+        "mean velocity %.3f deg/s\n",
+        window, err_rms(&rawErr), err_rms(&avgErr), err_mean(&avgErr) / perCycle,
+        velSum / (cycles - settle));
     printf("one-step fitter, alpha %.3f: noise RMS %.4f -> %.4f deg, lag %.2f cycles\n", alpha,
            err_rms(&rawErr), err_rms(&fitErr), err_mean(&fitErr) / perCycle);
 }

@@ -17,8 +17,8 @@ typedef struct {
 /* An anthropomorphic arm: shoulder (joints 1-3), elbow (4), wrist (5-7), with small elbow and
  * wrist offsets, then a fixed flange 107 mm beyond the last joint. */
 static const DemoLink kArm[7] = {
-    {0.0, 0.0, 333.0, 0.0},      {-HALF_PI, 0.0, 0.0, 0.0},   {HALF_PI, 0.0, 316.0, 0.0},
-    {HALF_PI, 82.5, 0.0, 0.0},   {-HALF_PI, -82.5, 384.0, 0.0}, {HALF_PI, 0.0, 0.0, 0.0},
+    {0.0, 0.0, 333.0, 0.0},    {-HALF_PI, 0.0, 0.0, 0.0},     {HALF_PI, 0.0, 316.0, 0.0},
+    {HALF_PI, 82.5, 0.0, 0.0}, {-HALF_PI, -82.5, 384.0, 0.0}, {HALF_PI, 0.0, 0.0, 0.0},
     {HALF_PI, 88.0, 0.0, 0.0},
 };
 static const DemoLink kFlange = {0.0, 0.0, 107.0, 0.0};

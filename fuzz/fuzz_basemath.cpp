@@ -64,7 +64,9 @@ void Scalars(Input &in, std::uint8_t op) {
         case 13: (void)QZ_MIN(x, y); break;
         case 14: QZ_FUZZ_CHECK(QZ_IsZero(x) <= 1, "QZ_IsZero"); break;
         case 15: QZ_FUZZ_CHECK(QZ_IsZeroL(x) <= 1, "QZ_IsZeroL"); break;
-        case 16: QZ_FUZZ_CHECK(BitsOf(QZ_Floor(x)) == BitsOf(std::floor(x)) || x != x, "QZ_Floor"); break;
+        case 16:
+            QZ_FUZZ_CHECK(BitsOf(QZ_Floor(x)) == BitsOf(std::floor(x)) || x != x, "QZ_Floor");
+            break;
         default: {
             const double s = QZ_Value_Sig(x);
             QZ_FUZZ_CHECK(s == 1.0 || s == -1.0 || BitsOf(s) == 0, "QZ_Value_Sig");
@@ -95,7 +97,8 @@ void Polynomials(Input &in, std::uint8_t op) {
                                         : QZ_CubicSolve_Max_Nag(c[0], c[1], c[2], c[3], r.get());
             QZ_FUZZ_CHECK(ok <= 1, "QZ_CubicSolve_Min_Pos/Max_Nag");
             r.Check(ok, "QZ_CubicSolve_Min_Pos/Max_Nag");
-            if (ok) QZ_FUZZ_CHECK(pos ? r[0] > 0.0 : r[0] < 0.0, "QZ_CubicSolve_Min_Pos/Max_Nag sign");
+            if (ok)
+                QZ_FUZZ_CHECK(pos ? r[0] > 0.0 : r[0] < 0.0, "QZ_CubicSolve_Min_Pos/Max_Nag sign");
             break;
         }
         case 4: {
@@ -121,7 +124,8 @@ void Polynomials(Input &in, std::uint8_t op) {
         }
         case 7: {
             Out<double, 4> r;
-            CheckRoots(QZ_Solve4OrderEqR(c[0], c[1], c[2], c[3], c[4], r.get()), 4, r, "QZ_Solve4OrderEqR");
+            CheckRoots(QZ_Solve4OrderEqR(c[0], c[1], c[2], c[3], c[4], r.get()), 4, r,
+                       "QZ_Solve4OrderEqR");
             break;
         }
         default: {

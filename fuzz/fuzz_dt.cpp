@@ -96,7 +96,8 @@ void Vdt(Input &in, Records &R, int op) {
     uint8_t r = 1;
     switch (op) {
         case 0:
-            r = QZVDT_OnInit(s, Param(in, 0.5, 12.0), Param(in, 0.05, 250.0), Param(in, 0.5, 1200.0));
+            r = QZVDT_OnInit(s, Param(in, 0.5, 12.0), Param(in, 0.05, 250.0),
+                             Param(in, 0.5, 1200.0));
             QZ_FUZZ_CHECK(r == 1 && s->isInit == 1, "QZVDT_OnInit");
             break;
         case 1: r = QZVDT_OnEmpty(s); break;
@@ -104,7 +105,8 @@ void Vdt(Input &in, Records &R, int op) {
         case 3: {
             const double base = in.Double(), rate = Param(in, -1.0, 1.0);
             const int shape = in.Byte() % 3, k = RunLength(in);
-            for (int i = 0; i < k; ++i) VdtStep(R, RunTarget(base, rate, shape, i), "QZVDT_OnDT run");
+            for (int i = 0; i < k; ++i)
+                VdtStep(R, RunTarget(base, rate, shape, i), "QZVDT_OnDT run");
             return;
         }
         case 4: r = QZVDT_OnSetRunTimeLmt(s, Param(in, 0.05, 250.0), Param(in, 0.5, 1200.0)); break;
@@ -183,7 +185,8 @@ void Ns(Input &in, Records &R, int op) {
             R.ns.Check("QZNSyncDTS_OnInit");
             CheckFlag(r, "QZNSyncDTS_OnInit");
             if (r == 1) QZ_FUZZ_CHECK(s->axisNum == m && s->isInit == 1, "QZNSyncDTS_OnInit");
-            if (r == 0) QZ_FUZZ_CHECK(s->isInit == 0, "QZNSyncDTS_OnInit refusal leaves it unusable");
+            if (r == 0)
+                QZ_FUZZ_CHECK(s->isInit == 0, "QZNSyncDTS_OnInit refusal leaves it unusable");
             return;
         }
         case 1: r = QZNSyncDTS_OnEmpty(s); break;
@@ -228,7 +231,9 @@ void Ns(Input &in, Records &R, int op) {
             s->axis[in.Byte() % 8].isInit = 0;
             return;
         default:
-            AxesRun(in, a, [&](In<8> &t, int i) { NsStep(R, t, i % 3 == 2 ? 2 : 0, "QZNSyncDTS_OnDT run"); });
+            AxesRun(in, a, [&](In<8> &t, int i) {
+                NsStep(R, t, i % 3 == 2 ? 2 : 0, "QZNSyncDTS_OnDT run");
+            });
             return;
     }
     R.ns.Check(where);
@@ -261,7 +266,8 @@ void Vm(Input &in, Records &R, int op) {
         case 0: {
             const int32_t mode = in.Count();
             QZ_FUZZ_CHECK(QZVDT_OnInitM(s, Param(in, 0.5, 12.0), Param(in, 0.05, 250.0),
-                                        Param(in, 0.5, 1200.0), mode) == 1, "QZVDT_OnInitM");
+                                        Param(in, 0.5, 1200.0), mode) == 1,
+                          "QZVDT_OnInitM");
             s->mode = (in.Byte() & 7) ? mode : in.Count();  // the caller sets the mode itself
             break;
         }
@@ -269,7 +275,8 @@ void Vm(Input &in, Records &R, int op) {
         case 2: VmStep(R, in.Double(), "QZVDT_OnDT_BM"); return;
         case 3:
             QZ_FUZZ_CHECK(QZVDT_OnSetRunTimeLmtM(s, Param(in, 0.05, 250.0), Param(in, 0.5, 1200.0),
-                                                 in.Count()) == 1, "QZVDT_OnSetRunTimeLmtM");
+                                                 in.Count()) == 1,
+                          "QZVDT_OnSetRunTimeLmtM");
             break;
         case 4: {
             const std::uint8_t b = in.Byte();
@@ -283,7 +290,8 @@ void Vm(Input &in, Records &R, int op) {
         default: {
             const double base = in.Double(), rate = Param(in, -1.0, 1.0);
             const int shape = in.Byte() % 3, k = RunLength(in);
-            for (int i = 0; i < k; ++i) VmStep(R, RunTarget(base, rate, shape, i), "QZVDT_OnDT_BM run");
+            for (int i = 0; i < k; ++i)
+                VmStep(R, RunTarget(base, rate, shape, i), "QZVDT_OnDT_BM run");
             return;
         }
     }
@@ -332,15 +340,17 @@ void Est(Input &in, Records &R, int op) {
         }
         case 1: QZ_FUZZ_CHECK(QZNEst_OnEmpty(s) == 1, "QZNEst_OnEmpty"); break;
         case 2:
-            QZ_FUZZ_CHECK(QZNEst_OnSetRunTimeLmt(s, a.Exact(Axes8(s->axisNum))) == 1, "QZNEst_OnSetRunTimeLmt");
+            QZ_FUZZ_CHECK(QZNEst_OnSetRunTimeLmt(s, a.Exact(Axes8(s->axisNum))) == 1,
+                          "QZNEst_OnSetRunTimeLmt");
             a.Release("QZNEst_OnSetRunTimeLmt");
             break;
         case 3: {
             const std::uint8_t b0 = in.Byte();
             // The next stamp: any value, or the last one advanced by 0 to 2 (wrapping like a
             // sensor's counter, so the harness itself never overflows).
-            const int32_t stamp = (b0 & 1) ? in.Int32()
-                                           : static_cast<int32_t>(static_cast<uint32_t>(R.stamp) + (b0 >> 1) % 3);
+            const int32_t stamp =
+                (b0 & 1) ? in.Int32()
+                         : static_cast<int32_t>(static_cast<uint32_t>(R.stamp) + (b0 >> 1) % 3);
             R.stamp = stamp;
             EstStep(R, stamp, a, b, (b0 & 8) != 0, "QZNEst_OnDT");
             return;
@@ -386,7 +396,8 @@ void Fit(Input &in, Records &R, int op) {
         for (int i = 0; i < 8; ++i) io[i] = a[i];
         r = OneFitterRun(s, io, io);
         if (r == 0) {
-            for (int i = 0; i < 8; ++i) QZ_FUZZ_CHECK(BitsOf(io[i]) == BitsOf(a[i]), "OneFitterRun");
+            for (int i = 0; i < 8; ++i)
+                QZ_FUZZ_CHECK(BitsOf(io[i]) == BitsOf(a[i]), "OneFitterRun");
         }
         out.Arm();
     } else {
@@ -426,7 +437,8 @@ void Err(Input &in, Records &R, int op) {
             In<8> &mine = how == 1 ? f : g;
             for (int i = 0; i < 8; ++i) io[i] = mine[i];
             const double *o = other.Exact(7);
-            r = how == 1 ? QZ_DCTRL_ErrorCompare(0, io, o, s, io) : QZ_DCTRL_ErrorCompare(0, o, io, s, io);
+            r = how == 1 ? QZ_DCTRL_ErrorCompare(0, io, o, s, io)
+                         : QZ_DCTRL_ErrorCompare(0, o, io, s, io);
             other.Release("QZ_DCTRL_ErrorCompare aliased");
             QZ_FUZZ_CHECK(BitsOf(io[7]) == BitsOf(mine[7]), "QZ_DCTRL_ErrorCompare slot 7");
             corr.Arm();
@@ -530,7 +542,9 @@ void Nm(Input &in, Records &R, int op) {
             return;
         }
         default:
-            AxesRun(in, a, [&](In<8> &t, int i) { NmStep(R, t, i % 4 == 3 ? 1 : 0, "QZNSyncDTS_OnDTM run"); });
+            AxesRun(in, a, [&](In<8> &t, int i) {
+                NmStep(R, t, i % 4 == 3 ? 1 : 0, "QZNSyncDTS_OnDTM run");
+            });
             return;
     }
     R.nm.Check(where);

@@ -58,7 +58,8 @@ struct VectFns {
     void (*add)(const double *, const double *, double *);
     void (*sa)(const double *, double, const double *, double *);
 };
-#define QZ_VF(N) {QZ_VectNorm##N, QZ_VectCpy##N, QZ_VectAdd##N, QZ_VectSA##N}
+#define QZ_VF(N) \
+    { QZ_VectNorm##N, QZ_VectCpy##N, QZ_VectAdd##N, QZ_VectSA##N }
 const VectFns kVect[7] = {QZ_VF(2), QZ_VF(3), QZ_VF(4), QZ_VF(5), QZ_VF(6), QZ_VF(7), QZ_VF(8)};
 #undef QZ_VF
 
@@ -77,7 +78,8 @@ void FixedVect(Input &in, const VectFns &f, int op) {
             o.Check(N, "QZ_VectNormN");
             QZ_FUZZ_CHECK(r == 0 || r == 1, "QZ_VectNormN result");
             if (r == 0) {
-                for (int i = 0; i < N; ++i) QZ_FUZZ_CHECK(BitsOf(o[i]) == BitsOf(a[i]), "QZ_VectNormN refusal");
+                for (int i = 0; i < N; ++i)
+                    QZ_FUZZ_CHECK(BitsOf(o[i]) == BitsOf(a[i]), "QZ_VectNormN refusal");
             }
             return;
         }
@@ -90,12 +92,8 @@ void FixedVect(Input &in, const VectFns &f, int op) {
             f.cpy(alias.get(), alias.get());
             QZ_FUZZ_CHECK(SameArray(alias.get(), &a[0], N), "QZ_VectCpyN in place");
             return;
-        case 2:
-            f.add(a.Exact(N), b.Exact(N), o.get());
-            break;
-        default:
-            f.sa(a.Exact(N), s, b.Exact(N), o.get());
-            break;
+        case 2: f.add(a.Exact(N), b.Exact(N), o.get()); break;
+        default: f.sa(a.Exact(N), s, b.Exact(N), o.get()); break;
     }
     a.Release(where);
     b.Release(where);
@@ -139,25 +137,48 @@ void CountedVect(Input &in, int op) {
         double *y = outIsA ? &b[0] + kVecCap - ck : alias.get();
         const double *pa = a.Exact(cn), *pb = b.Exact(cn);
         switch (which) {
-            case 0: QZ_VectSub(pa, cn, pb, o.get()); QZ_VectSub(x, cn, y, alias.get()); break;
-            case 1: QZ_VectAddX(pa, cn, pb, o.get()); QZ_VectAddX(x, cn, y, alias.get()); break;
-            case 2: QZ_VectDotMult(pa, cn, pb, o.get()); QZ_VectDotMult(x, cn, y, alias.get()); break;
-            case 3: QZ_VectSAX(pa, cn, s, pb, o.get()); QZ_VectSAX(x, cn, s, y, alias.get()); break;
-            case 4: QZ_VectScale(pa, cn, s, o.get()); QZ_VectScale(x, cn, s, alias.get()); break;
-            case 5: VectNormalized(pa, cn, o.get()); VectNormalized(x, cn, alias.get()); break;
-            default: CalShadowVector(pa, pb, o.get(), cn); CalShadowVector(x, y, alias.get(), cn); break;
+            case 0:
+                QZ_VectSub(pa, cn, pb, o.get());
+                QZ_VectSub(x, cn, y, alias.get());
+                break;
+            case 1:
+                QZ_VectAddX(pa, cn, pb, o.get());
+                QZ_VectAddX(x, cn, y, alias.get());
+                break;
+            case 2:
+                QZ_VectDotMult(pa, cn, pb, o.get());
+                QZ_VectDotMult(x, cn, y, alias.get());
+                break;
+            case 3:
+                QZ_VectSAX(pa, cn, s, pb, o.get());
+                QZ_VectSAX(x, cn, s, y, alias.get());
+                break;
+            case 4:
+                QZ_VectScale(pa, cn, s, o.get());
+                QZ_VectScale(x, cn, s, alias.get());
+                break;
+            case 5:
+                VectNormalized(pa, cn, o.get());
+                VectNormalized(x, cn, alias.get());
+                break;
+            default:
+                CalShadowVector(pa, pb, o.get(), cn);
+                CalShadowVector(x, y, alias.get(), cn);
+                break;
         }
         a.Release(where);
         b.Release(where);
         o.Check(ck, where);
-        QZ_FUZZ_CHECK(SameArray(alias.get(), o.get(), ck), "counted vector: aliased output differs");
+        QZ_FUZZ_CHECK(SameArray(alias.get(), o.get(), ck),
+                      "counted vector: aliased output differs");
         alias.Check(ck, where);
         return;
     }
     switch (which) {
         case 7:
         case 8: {
-            const double r = which == 7 ? QZ_VectDot(a.Exact(n), b.Exact(n), n) : QZ_VectLength(a.Exact(n), n);
+            const double r =
+                which == 7 ? QZ_VectDot(a.Exact(n), b.Exact(n), n) : QZ_VectLength(a.Exact(n), n);
             if (n <= 0) QZ_FUZZ_CHECK(BitsOf(r) == 0, "QZ_VectDot/QZ_VectLength empty");
             break;
         }
@@ -167,7 +188,8 @@ void CountedVect(Input &in, int op) {
             o.Check(k, "QZ_VectNorm");
             QZ_FUZZ_CHECK(r == 0 || r == 1, "QZ_VectNorm result");
             QZ_FUZZ_CHECK(n > 0 || r == 0, "QZ_VectNorm empty");
-            if (r == 0) QZ_FUZZ_CHECK(SameArray(o.get(), &a[0] + kVecCap - k, k), "QZ_VectNorm refusal");
+            if (r == 0)
+                QZ_FUZZ_CHECK(SameArray(o.get(), &a[0] + kVecCap - k, k), "QZ_VectNorm refusal");
             return;
         }
         case 10: {
@@ -190,8 +212,9 @@ void CountedVect(Input &in, int op) {
             // Unit vector from a to b, separately and with the output on either point.
             Out<double, 1> len;
             const bool withLen = (in.Byte() & 1) != 0;
-            const int32_t r = withLen ? QZ_GetVectNormLenA2B(a.Exact(3), b.Exact(3), o.get(), len.get())
-                                      : QZ_GetVectNormA2B(a.Exact(3), b.Exact(3), o.get());
+            const int32_t r = withLen
+                                  ? QZ_GetVectNormLenA2B(a.Exact(3), b.Exact(3), o.get(), len.get())
+                                  : QZ_GetVectNormA2B(a.Exact(3), b.Exact(3), o.get());
             a.Release(where);
             b.Release(where);
             QZ_FUZZ_CHECK(r == 0 || r == 1, "QZ_GetVectNormA2B result");
@@ -205,7 +228,8 @@ void CountedVect(Input &in, int op) {
             Out<double, 1> len2;
             const int32_t r2 = withLen ? QZ_GetVectNormLenA2B(pa, pb, alias.get(), len2.get())
                                        : QZ_GetVectNormA2B(pa, pb, alias.get());
-            QZ_FUZZ_CHECK(r2 == r && SameArray(alias.get(), o.get(), 3), "QZ_GetVectNormA2B aliased output differs");
+            QZ_FUZZ_CHECK(r2 == r && SameArray(alias.get(), o.get(), 3),
+                          "QZ_GetVectNormA2B aliased output differs");
             alias.Check(3, "QZ_GetVectNormA2B aliased");
             return;
         }
@@ -224,8 +248,11 @@ struct MatFns {
     void (*transpose)(const double *, double *);
     uint8_t (*inv)(const double *, double *);
 };
-#define QZ_MF(N) {QZ_MatrixMult##N, QZ_MatrixCpy##N, QZ_MatrixIdentity##N, QZ_MatrixAdd##N, \
-                  QZ_MatrixTranspose##N, QZ_MatrixInv##N}
+#define QZ_MF(N)                                                                  \
+    {                                                                             \
+        QZ_MatrixMult##N, QZ_MatrixCpy##N, QZ_MatrixIdentity##N, QZ_MatrixAdd##N, \
+            QZ_MatrixTranspose##N, QZ_MatrixInv##N                                \
+    }
 const MatFns kMat[7] = {QZ_MF(2), QZ_MF(3), QZ_MF(4), QZ_MF(5), QZ_MF(6), QZ_MF(7), QZ_MF(8)};
 #undef QZ_MF
 
@@ -238,9 +265,7 @@ void FixedMat(Input &in, const MatFns &f, int op) {
     Out<double, K> o, alias;
     const char *where = "QZ_Matrix (fixed size)";
     switch (op % 6) {
-        case 0:
-            f.mult(a.Exact(K), b.Exact(K), o.get());
-            break;
+        case 0: f.mult(a.Exact(K), b.Exact(K), o.get()); break;
         case 1:
             f.cpy(a.Exact(K), o.get());
             a.Release(where);
@@ -252,7 +277,8 @@ void FixedMat(Input &in, const MatFns &f, int op) {
         case 2:
             f.identity(o.get());
             for (int i = 0; i < K; ++i) {
-                QZ_FUZZ_CHECK(BitsOf(o[i]) == BitsOf(i % (N + 1) == 0 ? 1.0 : 0.0), "QZ_MatrixIdentityN");
+                QZ_FUZZ_CHECK(BitsOf(o[i]) == BitsOf(i % (N + 1) == 0 ? 1.0 : 0.0),
+                              "QZ_MatrixIdentityN");
             }
             break;
         case 3: {
@@ -262,14 +288,17 @@ void FixedMat(Input &in, const MatFns &f, int op) {
             const bool outIsA = (in.Byte() & 1) != 0;
             for (int i = 0; i < K; ++i) alias[i] = outIsA ? a[i] : b[i];
             f.add(outIsA ? alias.get() : &a[0], outIsA ? &b[0] : alias.get(), alias.get());
-            QZ_FUZZ_CHECK(SameArray(alias.get(), o.get(), K), "QZ_MatrixAddN aliased output differs");
+            QZ_FUZZ_CHECK(SameArray(alias.get(), o.get(), K),
+                          "QZ_MatrixAddN aliased output differs");
             break;
         }
         case 4:
             f.transpose(a.Exact(K), o.get());
             a.Release(where);
             for (int i = 0; i < N; ++i)
-                for (int j = 0; j < N; ++j) QZ_FUZZ_CHECK(BitsOf(o[j * N + i]) == BitsOf(a[i * N + j]), "QZ_MatrixTransposeN");
+                for (int j = 0; j < N; ++j)
+                    QZ_FUZZ_CHECK(BitsOf(o[j * N + i]) == BitsOf(a[i * N + j]),
+                                  "QZ_MatrixTransposeN");
             break;
         default: {
             const uint8_t r = f.inv(a.Exact(K), o.get());
@@ -280,7 +309,8 @@ void FixedMat(Input &in, const MatFns &f, int op) {
             for (int i = 0; i < K; ++i) alias[i] = a[i];
             const uint8_t r2 = f.inv(alias.get(), alias.get());
             QZ_FUZZ_CHECK(r2 == r, "QZ_MatrixInvN in place verdict");
-            QZ_FUZZ_CHECK(SameArray(alias.get(), r ? o.get() : &a[0], K), "QZ_MatrixInvN in place bits");
+            QZ_FUZZ_CHECK(SameArray(alias.get(), r ? o.get() : &a[0], K),
+                          "QZ_MatrixInvN in place bits");
             alias.Check(K, "QZ_MatrixInvN in place");
             return;
         }
@@ -359,19 +389,28 @@ void Shapes(Input &in, int op) {
         case 6: {
             double t1[42], t2[42];
             Input copy = in;
-            Product<42, 1, 42>(in, [](const double *A, const double *, double *B) { QZ_Mat67Transpose(A, B); },
-                               "QZ_Mat67Transpose", t1);
-            Product<42, 1, 42>(copy, [](const double *A, const double *, double *B) { Mat67Transpose(A, B); },
-                               "Mat67Transpose", t2);
+            Product<42, 1, 42>(
+                in, [](const double *A, const double *, double *B) { QZ_Mat67Transpose(A, B); },
+                "QZ_Mat67Transpose", t1);
+            Product<42, 1, 42>(
+                copy, [](const double *A, const double *, double *B) { Mat67Transpose(A, B); },
+                "Mat67Transpose", t2);
             QZ_FUZZ_CHECK(SameArray(t1, t2, 42), "Mat67Transpose differs from QZ_Mat67Transpose");
             break;
         }
         case 7:
-            WithRotationBlock<1, 9>(in, [](const double *T, const double *, double *B) { Mat4433Transpose(T, B); },
-                                    true, "Mat4433Transpose");
+            WithRotationBlock<1, 9>(
+                in, [](const double *T, const double *, double *B) { Mat4433Transpose(T, B); },
+                true, "Mat4433Transpose");
             break;
-        case 8: Product<9, 1, 9>(in, [](const double *A, const double *, double *B) { MatTr33(A, B); }, "MatTr33"); break;
-        case 9: Product<16, 1, 16>(in, [](const double *A, const double *, double *B) { MatTr44(A, B); }, "MatTr44"); break;
+        case 8:
+            Product<9, 1, 9>(
+                in, [](const double *A, const double *, double *B) { MatTr33(A, B); }, "MatTr33");
+            break;
+        case 9:
+            Product<16, 1, 16>(
+                in, [](const double *A, const double *, double *B) { MatTr44(A, B); }, "MatTr44");
+            break;
         case 10: Product<9, 3, 3>(in, QZ_MatrixMultVect3, "QZ_MatrixMultVect3"); break;
         case 11: Product<16, 4, 4>(in, QZ_MatrixMultVect4, "QZ_MatrixMultVect4"); break;
         case 12: Product<36, 6, 6>(in, QZ_MatrixMultVect6, "QZ_MatrixMultVect6"); break;
@@ -389,7 +428,8 @@ void Shapes(Input &in, int op) {
             Input copy = in;
             Product<42, 9, 42>(in, QZ_JACOBI_TRANS_T67, "QZ_JACOBI_TRANS_T67", t1);
             Product<42, 9, 42>(copy, QZ_JACOB_TRAN_T67, "QZ_JACOB_TRAN_T67", t2);
-            QZ_FUZZ_CHECK(SameValues(t1, t2, 42), "QZ_JACOBI_TRANS_T67 differs from QZ_JACOB_TRAN_T67");
+            QZ_FUZZ_CHECK(SameValues(t1, t2, 42),
+                          "QZ_JACOBI_TRANS_T67 differs from QZ_JACOB_TRAN_T67");
             break;
         }
         case 22: Product<42, 7, 6>(in, MVmult677, "MVmult677"); break;
@@ -399,7 +439,8 @@ void Shapes(Input &in, int op) {
             Product<16, 16, 16>(in, QZ_MMM44, "QZ_MMM44", t1);
             Product<16, 16, 16>(copy, QZ_MatrixMult4, "QZ_MatrixMult4", t2);
             for (int i = 0; i < 16; ++i) {
-                QZ_FUZZ_CHECK(t1[i] == t2[i] || (t1[i] != t1[i] && t2[i] != t2[i]), "QZ_MMM44 value differs from QZ_MatrixMult4");
+                QZ_FUZZ_CHECK(t1[i] == t2[i] || (t1[i] != t1[i] && t2[i] != t2[i]),
+                              "QZ_MMM44 value differs from QZ_MatrixMult4");
             }
             break;
         }
@@ -446,7 +487,8 @@ void RowPointer(Input &in, int op) {
             alias.Close("QZ_MatrixAddX aliased", true);
             for (int i = 0; i < R; ++i)
                 for (int j = 0; j < C; ++j)
-                    QZ_FUZZ_CHECK(BitsOf(alias.at(i, j)) == BitsOf(O.at(i, j)), "QZ_MatrixAddX aliased output differs");
+                    QZ_FUZZ_CHECK(BitsOf(alias.at(i, j)) == BitsOf(O.at(i, j)),
+                                  "QZ_MatrixAddX aliased output differs");
             return;
         }
         case 1: {
@@ -458,7 +500,8 @@ void RowPointer(Input &in, int op) {
             if (R == 0 || C == 0) return;
             for (int i = 0; i < R; ++i)
                 for (int j = 0; j < C; ++j)
-                    QZ_FUZZ_CHECK(BitsOf(O.at(j, i)) == BitsOf(A.at(i, j)), "QZ_MatrixTransposeXX bits");
+                    QZ_FUZZ_CHECK(BitsOf(O.at(j, i)) == BitsOf(A.at(i, j)),
+                                  "QZ_MatrixTransposeXX bits");
             return;
         }
         case 2: {
@@ -473,7 +516,8 @@ void RowPointer(Input &in, int op) {
             O.Close("QZ_MatrixMultXmX", true);
             if (C == 0) {
                 for (int i = 0; i < R; ++i)
-                    for (int j = 0; j < P; ++j) QZ_FUZZ_CHECK(BitsOf(O.at(i, j)) == 0, "QZ_MatrixMultXmX zeros for m <= 0");
+                    for (int j = 0; j < P; ++j)
+                        QZ_FUZZ_CHECK(BitsOf(O.at(i, j)) == 0, "QZ_MatrixMultXmX zeros for m <= 0");
             }
             return;
         }
@@ -487,7 +531,8 @@ void RowPointer(Input &in, int op) {
             v.Release("QZ_MatrixMultVectX");
             o.Check(R, "QZ_MatrixMultVectX");
             if (C == 0) {
-                for (int i = 0; i < R; ++i) QZ_FUZZ_CHECK(BitsOf(o[i]) == 0, "QZ_MatrixMultVectX zeros for m <= 0");
+                for (int i = 0; i < R; ++i)
+                    QZ_FUZZ_CHECK(BitsOf(o[i]) == 0, "QZ_MatrixMultVectX zeros for m <= 0");
             }
             return;
         }
@@ -558,7 +603,8 @@ void Lup(Input &in) {
 void Determinant(Input &in) {
     Region<double, 64> A;
     const int32_t n = in.Count();
-    for (int i = 0; i < 64; ++i) A[i] = (i % 8 < 4 && i < 32) || (in.Byte() & 1) ? in.Double() : 0.0;
+    for (int i = 0; i < 64; ++i)
+        A[i] = (i % 8 < 4 && i < 32) || (in.Byte() & 1) ? in.Double() : 0.0;
     const bool inside = n >= 1 && n <= 8;
     A.Open(inside ? n : 0, inside ? n : 0, 8);
     const double d = QZ_MatrixDeterminant(A.get(), n);
@@ -575,13 +621,16 @@ void PseudoInverse(Input &in) {
     }
     const bool left = (in.Byte() & 1) != 0;
     Out<double, 42> o, alias;
-    const uint8_t r = left ? QZ_LeftPsoInv76(a.Exact(42), o.get()) : QZ_RightPsoInv67(a.Exact(42), o.get());
+    const uint8_t r =
+        left ? QZ_LeftPsoInv76(a.Exact(42), o.get()) : QZ_RightPsoInv67(a.Exact(42), o.get());
     a.Release("pseudo-inverse");
     QZ_FUZZ_CHECK(r <= 1, "pseudo-inverse result");
     o.Check(r ? 42 : 0, "pseudo-inverse");
     for (int i = 0; i < 42; ++i) alias[i] = a[i];
-    const uint8_t r2 = left ? QZ_LeftPsoInv76(alias.get(), alias.get()) : QZ_RightPsoInv67(alias.get(), alias.get());
-    QZ_FUZZ_CHECK(r2 == r && SameArray(alias.get(), r ? o.get() : &a[0], 42), "pseudo-inverse in place");
+    const uint8_t r2 = left ? QZ_LeftPsoInv76(alias.get(), alias.get())
+                            : QZ_RightPsoInv67(alias.get(), alias.get());
+    QZ_FUZZ_CHECK(r2 == r && SameArray(alias.get(), r ? o.get() : &a[0], 42),
+                  "pseudo-inverse in place");
     alias.Check(42, "pseudo-inverse in place");
 }
 
@@ -614,7 +663,8 @@ void CholeskyIn(Input &in, int32_t (*f)(const double *, double *, int32_t), cons
     if (r == 0) {
         for (int i = 0; i < k; ++i) {
             QZ_FUZZ_CHECK(!(L[i * S + i] <= 0.0), "Cholesky diagonal");
-            for (int j = i + 1; j < k; ++j) QZ_FUZZ_CHECK(BitsOf(L[i * S + j]) == 0, "Cholesky upper zeros");
+            for (int j = i + 1; j < k; ++j)
+                QZ_FUZZ_CHECK(BitsOf(L[i * S + j]) == 0, "Cholesky upper zeros");
         }
     }
     // L on A: the same verdict, and on success the same factor.
@@ -626,7 +676,8 @@ void CholeskyIn(Input &in, int32_t (*f)(const double *, double *, int32_t), cons
     if (r == 0) {
         for (int i = 0; i < k; ++i)
             for (int j = 0; j < k; ++j)
-                QZ_FUZZ_CHECK(BitsOf(alias[i * S + j]) == BitsOf(L[i * S + j]), "Cholesky in place bits");
+                QZ_FUZZ_CHECK(BitsOf(alias[i * S + j]) == BitsOf(L[i * S + j]),
+                              "Cholesky in place bits");
     }
 }
 
@@ -650,8 +701,8 @@ bool Acceptable(double x) { return x == x && x >= -1e150 && x <= 1e150; }
 
 // Checks an eig result on an n-by-n (contiguous) A and V: a refusal of what the solver rejects
 // leaves both alone; a success leaves both finite, V's entries within a unit.
-void CheckEig(uint8_t r, int32_t n, double eps, const double *A0, Region<double, 64> &A, Region<double, 64> &V,
-              const char *where) {
+void CheckEig(uint8_t r, int32_t n, double eps, const double *A0, Region<double, 64> &A,
+              Region<double, 64> &V, const char *where) {
     QZ_FUZZ_CHECK(r <= 1, where);
     bool rejected = n < 1 || n > 8 || !(eps > 0.0);
     for (int i = 0; !rejected && i < n * n; ++i) rejected = !Acceptable(A0[i]);
@@ -674,7 +725,8 @@ void Eigen(Input &in, int op) {
     const int32_t n = seven ? 7 : in.Count();
     const int k = (n >= 1 && n <= 8) ? n : 0;
     double eps = in.Double();
-    if ((in.Byte() & 3) == 0) eps = std::ldexp(1.0, -static_cast<int>(in.Byte() % 100));  // 1 to 2^-99
+    if ((in.Byte() & 3) == 0)
+        eps = std::ldexp(1.0, -static_cast<int>(in.Byte() % 100));  // 1 to 2^-99
     for (int i = 0; i < 64; ++i) {
         A[i] = i < k * k ? in.Double() : FromBits(kSentinelBits);
         V[i] = FromBits(kSentinelBits);
@@ -693,7 +745,8 @@ void Eigen(Input &in, int op) {
 // The generalized problem on N-by-N arrays; B is made positive definite unless the input says
 // otherwise.
 template <int N>
-void GeneralizedEig(Input &in, uint8_t (*f)(double, const double *, const double *, double *, double *),
+void GeneralizedEig(Input &in,
+                    uint8_t (*f)(double, const double *, const double *, double *, double *),
                     const char *where) {
     constexpr int K = N * N;
     In<K> a, b;
@@ -722,7 +775,8 @@ void GeneralizedEig(Input &in, uint8_t (*f)(double, const double *, const double
     V.Check(r ? K : 0, where);
     lambda.Check(r ? N : 0, where);
     if (r) {
-        for (int i = 0; i < N; ++i) QZ_FUZZ_CHECK(std::isfinite(lambda[i]), "generalized eigenvalue not finite");
+        for (int i = 0; i < N; ++i)
+            QZ_FUZZ_CHECK(std::isfinite(lambda[i]), "generalized eigenvalue not finite");
     }
 }
 
@@ -734,10 +788,22 @@ void Rotations(Input &in, int op) {
     const double a = in.Double(), b = in.Double(), c = in.Double();
     Out<double, 16> o, o2;
     switch (op % 14) {
-        case 0: QZ_RotXARC(a, o.get()); o.Check(9, "QZ_RotXARC"); break;
-        case 1: QZ_RotYARC(a, o.get()); o.Check(9, "QZ_RotYARC"); break;
-        case 2: QZ_RotZARC(a, o.get()); o.Check(9, "QZ_RotZARC"); break;
-        case 3: QZ_ZYZ2Matrix(a, b, c, o.get()); o.Check(9, "QZ_ZYZ2Matrix"); break;
+        case 0:
+            QZ_RotXARC(a, o.get());
+            o.Check(9, "QZ_RotXARC");
+            break;
+        case 1:
+            QZ_RotYARC(a, o.get());
+            o.Check(9, "QZ_RotYARC");
+            break;
+        case 2:
+            QZ_RotZARC(a, o.get());
+            o.Check(9, "QZ_RotZARC");
+            break;
+        case 3:
+            QZ_ZYZ2Matrix(a, b, c, o.get());
+            o.Check(9, "QZ_ZYZ2Matrix");
+            break;
         case 4:
         case 5: {
             const bool block = op % 14 == 5;
@@ -748,7 +814,8 @@ void Rotations(Input &in, int op) {
             } else {
                 m.Open(9);
             }
-            const uint32_t r = block ? QZ_Matrix42ZYZ(m.get(), o.get()) : QZ_Matrix2ZYZ(m.get(), o.get());
+            const uint32_t r =
+                block ? QZ_Matrix42ZYZ(m.get(), o.get()) : QZ_Matrix2ZYZ(m.get(), o.get());
             m.Close("QZ_Matrix2ZYZ", false);
             QZ_FUZZ_CHECK(r <= 1, "QZ_Matrix2ZYZ result");
             o.Check(3, "QZ_Matrix2ZYZ");
@@ -765,7 +832,8 @@ void Rotations(Input &in, int op) {
             } else {
                 m.Open(9);
             }
-            const uint32_t r = block ? QZ_Matrix42XYZ(m.get(), o.get()) : QZ_Matrix2XYZ(m.get(), o.get());
+            const uint32_t r =
+                block ? QZ_Matrix42XYZ(m.get(), o.get()) : QZ_Matrix2XYZ(m.get(), o.get());
             m.Close("QZ_Matrix2XYZ", false);
             QZ_FUZZ_CHECK(r == 1, "QZ_Matrix2XYZ result");
             o.Check(3, "QZ_Matrix2XYZ");
@@ -773,10 +841,12 @@ void Rotations(Input &in, int op) {
         }
         case 8: {
             const bool deg = in.Byte() & 1;
-            deg ? QZ_XYZABC2Matrix4DEG(t.Exact(6), o.get()) : QZ_XYZABC2Matrix4ARC(t.Exact(6), o.get());
+            deg ? QZ_XYZABC2Matrix4DEG(t.Exact(6), o.get())
+                : QZ_XYZABC2Matrix4ARC(t.Exact(6), o.get());
             t.Release("QZ_XYZABC2Matrix4");
             o.Check(16, "QZ_XYZABC2Matrix4");
-            QZ_FUZZ_CHECK(o[12] == 0.0 && o[13] == 0.0 && o[14] == 0.0 && o[15] == 1.0, "QZ_XYZABC2Matrix4 bottom row");
+            QZ_FUZZ_CHECK(o[12] == 0.0 && o[13] == 0.0 && o[14] == 0.0 && o[15] == 1.0,
+                          "QZ_XYZABC2Matrix4 bottom row");
             break;
         }
         case 9: {
@@ -793,7 +863,8 @@ void Rotations(Input &in, int op) {
             QZ_FUZZ_CHECK(r <= 1 && (form < 2 || r == 1), "QZ_Matrix2XYZABC4 result");
             o.Check(6, "QZ_Matrix2XYZABC4");
             if (r == 0) {
-                for (int i = 0; i < 3; ++i) QZ_FUZZ_CHECK(o.Untouched(i), "QZ_Matrix2XYZABC4 singular position written");
+                for (int i = 0; i < 3; ++i)
+                    QZ_FUZZ_CHECK(o.Untouched(i), "QZ_Matrix2XYZABC4 singular position written");
             }
             break;
         }
@@ -806,7 +877,8 @@ void Rotations(Input &in, int op) {
             QZ_FUZZ_CHECK(r == 1, "QZ_ABC2Matrix3DEG result");
             o.Check(9, "QZ_ABC2Matrix3DEG");
             o2.Check(9, "QZ_CALC_TRANS_FROM_Rotxyz");
-            QZ_FUZZ_CHECK(SameValues(o.get(), o2.get(), 9), "QZ_CALC_TRANS_FROM_Rotxyz differs from QZ_ABC2Matrix3DEG");
+            QZ_FUZZ_CHECK(SameValues(o.get(), o2.get(), 9),
+                          "QZ_CALC_TRANS_FROM_Rotxyz differs from QZ_ABC2Matrix3DEG");
             break;
         }
         case 11: {
@@ -820,9 +892,11 @@ void Rotations(Input &in, int op) {
             QZ_XYZMRot(t.Exact(16), a, b, o.get());
             t.Release("QZ_XYZMRot");
             o.Check(16, "QZ_XYZMRot");
-            QZ_FUZZ_CHECK(BitsOf(o[3]) == BitsOf(t[3]) && BitsOf(o[7]) == BitsOf(t[7]) && BitsOf(o[11]) == BitsOf(t[11]),
+            QZ_FUZZ_CHECK(BitsOf(o[3]) == BitsOf(t[3]) && BitsOf(o[7]) == BitsOf(t[7]) &&
+                              BitsOf(o[11]) == BitsOf(t[11]),
                           "QZ_XYZMRot position kept");
-            QZ_FUZZ_CHECK(o[12] == 0.0 && o[13] == 0.0 && o[14] == 0.0 && o[15] == 1.0, "QZ_XYZMRot bottom row");
+            QZ_FUZZ_CHECK(o[12] == 0.0 && o[13] == 0.0 && o[14] == 0.0 && o[15] == 1.0,
+                          "QZ_XYZMRot bottom row");
             break;
         }
         default: {
@@ -830,7 +904,8 @@ void Rotations(Input &in, int op) {
             t.Release("QZ_PGMatrixInv");
             QZ_FUZZ_CHECK(r == 1, "QZ_PGMatrixInv result");
             o.Check(16, "QZ_PGMatrixInv");
-            QZ_FUZZ_CHECK(o[12] == 0.0 && o[13] == 0.0 && o[14] == 0.0 && o[15] == 1.0, "QZ_PGMatrixInv bottom row");
+            QZ_FUZZ_CHECK(o[12] == 0.0 && o[13] == 0.0 && o[14] == 0.0 && o[15] == 1.0,
+                          "QZ_PGMatrixInv bottom row");
             break;
         }
     }
@@ -849,8 +924,16 @@ void Frames(Input &in, int op) {
             o.Check(16, "QZ_DH2Matrix");
             break;
         }
-        case 1: QZ_Skew(u.Exact(3), o.get()); u.Release("QZ_Skew"); o.Check(9, "QZ_Skew"); break;
-        case 2: QZ_LOperator(u.Exact(3), o.get()); u.Release("QZ_LOperator"); o.Check(18, "QZ_LOperator"); break;
+        case 1:
+            QZ_Skew(u.Exact(3), o.get());
+            u.Release("QZ_Skew");
+            o.Check(9, "QZ_Skew");
+            break;
+        case 2:
+            QZ_LOperator(u.Exact(3), o.get());
+            u.Release("QZ_LOperator");
+            o.Check(18, "QZ_LOperator");
+            break;
         case 3: {
             Out<double, 3> d1, d2, x;
             for (int i = 0; i < 3; ++i) {
@@ -879,7 +962,9 @@ void Frames(Input &in, int op) {
             w.Release("QZ_VectAddMV");
             m.Close("QZ_VectAddMV", false);
             out.Check(N, "QZ_VectAddMV");
-            if (C == 0) QZ_FUZZ_CHECK(SameArray(out.get(), &u[0] + 8 - N, N), "QZ_VectAddMV copies v for cols < 1");
+            if (C == 0)
+                QZ_FUZZ_CHECK(SameArray(out.get(), &u[0] + 8 - N, N),
+                              "QZ_VectAddMV copies v for cols < 1");
             for (int i = 0; i < N; ++i) alias[i] = u[8 - N + i];
             m.Open(N, C);
             QZ_VectAddMV(alias.get(), m.get(), n, cols, w.Exact(C), alias.get());

@@ -159,7 +159,8 @@ void Conversions(Input &in, int op) {
             QZ_Quaternion2Matrix4(q.Exact(4), o.get());
             q.Release("QZ_Quaternion2Matrix4");
             o.Check(16, "QZ_Quaternion2Matrix4");
-            for (int i : {3, 7, 11, 12, 13, 14, 15}) QZ_FUZZ_CHECK(o[i] == 0.0, "QZ_Quaternion2Matrix4 zeros");
+            for (int i : {3, 7, 11, 12, 13, 14, 15})
+                QZ_FUZZ_CHECK(o[i] == 0.0, "QZ_Quaternion2Matrix4 zeros");
             break;
         case 5:
         case 6: {
@@ -172,7 +173,8 @@ void Conversions(Input &in, int op) {
                 const uint32_t r = QZ_PosQuat2Matrix_UnNorm(pose.get(), o.get());
                 QZ_FUZZ_CHECK(r == 1, "QZ_PosQuat2Matrix_UnNorm result");
                 pose.Check(7, "QZ_PosQuat2Matrix_UnNorm pose");
-                QZ_FUZZ_CHECK(SameArray(pose.get(), &m[0], 3), "QZ_PosQuat2Matrix_UnNorm position changed");
+                QZ_FUZZ_CHECK(SameArray(pose.get(), &m[0], 3),
+                              "QZ_PosQuat2Matrix_UnNorm position changed");
             } else {
                 In<7> p;
                 for (int i = 0; i < 7; ++i) p[i] = pose[i];
@@ -180,7 +182,8 @@ void Conversions(Input &in, int op) {
                 p.Release("QZ_PosQuat2Matrix");
             }
             o.Check(16, "QZ_PosQuat2Matrix");
-            QZ_FUZZ_CHECK(o[12] == 0.0 && o[13] == 0.0 && o[14] == 0.0 && o[15] == 1.0, "QZ_PosQuat2Matrix bottom row");
+            QZ_FUZZ_CHECK(o[12] == 0.0 && o[13] == 0.0 && o[14] == 0.0 && o[15] == 1.0,
+                          "QZ_PosQuat2Matrix bottom row");
             break;
         }
         default: {
@@ -189,7 +192,8 @@ void Conversions(Input &in, int op) {
             const uint32_t r = QZ_XYZABC2XYZQ(buf.get());
             buf.Check(8, "QZ_XYZABC2XYZQ");
             QZ_FUZZ_CHECK(r <= 1, "QZ_XYZABC2XYZQ result");
-            QZ_FUZZ_CHECK(SameArray(buf.get(), &m[0], 3) && BitsOf(buf[7]) == 0, "QZ_XYZABC2XYZQ position or last slot");
+            QZ_FUZZ_CHECK(SameArray(buf.get(), &m[0], 3) && BitsOf(buf[7]) == 0,
+                          "QZ_XYZABC2XYZQ position or last slot");
             break;
         }
     }
@@ -215,7 +219,8 @@ void FactorStep(Pair &p, bool longer, double t, bool compare) {
     QZ_FUZZ_CHECK(p.state->initialized != 0, "slerp state not marked initialized");
     QZ_FUZZ_CHECK(SameArray(p.q1.get(), &q1c[0], 4), "slerp changed q1");
     QZ_FUZZ_CHECK(SameOrNegated(p.q2.get(), &q2c[0]), "slerp wrote q2 other than negating it");
-    if (!first) QZ_FUZZ_CHECK(SameArray(p.q2.get(), &q2c[0], 4), "slerp changed q2 after the first call");
+    if (!first)
+        QZ_FUZZ_CHECK(SameArray(p.q2.get(), &q2c[0], 4), "slerp changed q2 after the first call");
     if (!compare) return;
     Out<double, 4> ref;
     Out<double, 4> q2r;
@@ -227,7 +232,8 @@ void FactorStep(Pair &p, bool longer, double t, bool compare) {
     } else {
         QZ_QuatSlerp(q1c.Exact(4), q2r.get(), t, ref.get());
         q1c.Release("QZ_QuatSlerp");
-        QZ_FUZZ_CHECK(SameArray(q2r.get(), p.q2.get(), 4), "QZ_QuatSlerp and QZ_QuatSlerpFactor left q2 differently");
+        QZ_FUZZ_CHECK(SameArray(q2r.get(), p.q2.get(), 4),
+                      "QZ_QuatSlerp and QZ_QuatSlerpFactor left q2 differently");
     }
     QZ_FUZZ_CHECK(SameArray(ref.get(), o.get(), 4), "cached slerp differs from the plain slerp");
 }
@@ -246,7 +252,8 @@ void Interpolation(Input &in, Records &R, int op) {
             q1.Release("QZ_QuatSlerp");
             q2.Check(4, "QZ_QuatSlerp q2");
             o.Check(4, "QZ_QuatSlerp");
-            QZ_FUZZ_CHECK(SameOrNegated(q2.get(), q2c), "QZ_QuatSlerp wrote q2 other than negating it");
+            QZ_FUZZ_CHECK(SameOrNegated(q2.get(), q2c),
+                          "QZ_QuatSlerp wrote q2 other than negating it");
             break;
         }
         case 1: {
@@ -283,7 +290,8 @@ void Interpolation(Input &in, Records &R, int op) {
             const int k = 1 + in.Byte() % 16;
             const bool even = in.Byte() & 1;
             const double t0 = in.Double(), dt = in.Within(0.0, 0.25);
-            for (int i = 0; i < k; ++i) FactorStep(p, longer, even ? t0 + dt * i : in.Double(), !p.flagSet);
+            for (int i = 0; i < k; ++i)
+                FactorStep(p, longer, even ? t0 + dt * i : in.Double(), !p.flagSet);
             break;
         }
         default: {
@@ -319,9 +327,15 @@ void Rotation(Input &in, double *R) {
     const double a = R[0], b = R[1], c = R[2];
     const double ca = std::cos(a), sa = std::sin(a), cb = std::cos(b), sb = std::sin(b);
     const double cc = std::cos(c), sc = std::sin(c);
-    const double M[9] = {cc * cb, cc * sb * sa - sc * ca, cc * sb * ca + sc * sa,
-                         sc * cb, sc * sb * sa + cc * ca, sc * sb * ca - cc * sa,
-                         -sb,     cb * sa,                cb * ca};
+    const double M[9] = {cc * cb,
+                         cc * sb * sa - sc * ca,
+                         cc * sb * ca + sc * sa,
+                         sc * cb,
+                         sc * sb * sa + cc * ca,
+                         sc * sb * ca - cc * sa,
+                         -sb,
+                         cb * sa,
+                         cb * ca};
     std::memcpy(R, M, sizeof M);
 }
 

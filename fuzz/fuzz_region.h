@@ -21,7 +21,7 @@ template <class T, int S>
 class Region {
     static_assert(sizeof(T) <= 8, "one sentinel per element");
 
-public:
+  public:
     Region() {
         std::memset(pre_, kCanary, sizeof pre_);
         std::memset(post_, kCanary, sizeof post_);
@@ -62,7 +62,7 @@ public:
         }
     }
 
-private:
+  private:
     QZ_FUZZ_NO_COVERAGE void Hand() {
         std::memcpy(copy_, v_, sizeof v_);
         QZ_POISON(pre_, sizeof pre_);
@@ -89,7 +89,7 @@ private:
 // the pointer array in another.
 template <int R, int C>
 class RowMat {
-public:
+  public:
     RowMat() {
         for (int i = 0; i < R; ++i) ptr_[i] = row_[i].get();
     }
@@ -111,7 +111,7 @@ public:
         for (int i = 0; i < R; ++i) row_[i].Close(where, mayWrite);
     }
 
-private:
+  private:
     Region<double *, R> ptr_;
     Region<double, C> row_[R];
 };

@@ -49,8 +49,8 @@ namespace qzfuzz {
     std::abort();
 }
 
-#define QZ_FUZZ_CHECK(cond, where) \
-    do {                           \
+#define QZ_FUZZ_CHECK(cond, where)                                  \
+    do {                                                            \
         if (!(cond)) ::qzfuzz::Fail("check failed: " #cond, where); \
     } while (0)
 
@@ -67,7 +67,7 @@ inline double FromBits(std::uint64_t b) {
 }
 
 class Input {
-public:
+  public:
     Input(const std::uint8_t *data, std::size_t size) : p_(data), n_(size) {}
 
     bool Done() const { return n_ == 0; }
@@ -108,10 +108,9 @@ public:
         const std::uint8_t tag = Byte();
         if (tag < 192) return static_cast<std::int32_t>(tag % 12) - 2;
         if (tag < 232) {
-            static constexpr std::int32_t kTable[] = {0,    1,    7,    8,         9,
-                                                      99,   100,  101,  1000,      1001,
-                                                      -1,   -8,   -100, INT32_MAX, INT32_MIN,
-                                                      65536, 9992, 9993, 9994,     -9993};
+            static constexpr std::int32_t kTable[] = {
+                0,  1,  7,    8,         9,         99,    100,  101,  1000, 1001,
+                -1, -8, -100, INT32_MAX, INT32_MIN, 65536, 9992, 9993, 9994, -9993};
             return kTable[tag % (sizeof kTable / sizeof kTable[0])];
         }
         return static_cast<std::int32_t>(static_cast<std::uint32_t>(Bytes(4)));
@@ -119,22 +118,74 @@ public:
 
     std::int32_t Int32() { return static_cast<std::int32_t>(static_cast<std::uint32_t>(Bytes(4))); }
 
-private:
+  private:
     static double Special(std::uint8_t i) {
         const double inf = std::numeric_limits<double>::infinity();
         const double nan = std::numeric_limits<double>::quiet_NaN();
-        static const double kTable[] = {
-            0.0, -0.0, 1.0, -1.0, 0.5, -0.5, 2.0, 3.0, nan, -nan, inf, -inf,
-            std::numeric_limits<double>::denorm_min(), -std::numeric_limits<double>::denorm_min(),
-            std::numeric_limits<double>::min(), std::numeric_limits<double>::max(),
-            -std::numeric_limits<double>::max(), std::numeric_limits<double>::epsilon(),
-            1e-16, -1e-16, 1.0000000000000002e-16, 9.999999999999999e-17, 1e-15, -1e-15,
-            1.0000000000000002e-15, 1e-8, 1e-9, 1e-5, 0.1, 0.15, 0.85, 0.97, 0.9999999999,
-            180.0, -180.0, 360.0, -360.0, 540.0, 1e10, -1e10, 1e12, 1e7, 1000.0, 200.0, 100.0,
-            2147483648.0, -2147483648.0, 2147483647.5, -2147483648.5, 4503599627370496.0,
-            72057594037927936.0, 72057594037927928.0, 4611686018427387904.0,
-            4611686018427388928.0, 9.223372036854775807e18, 1e300, -1e300, 1e-300,
-            1.5707963267948966, 3.141592653589793, 6.283185307179586, 7.0, 8.5, 0.001};
+        static const double kTable[] = {0.0,
+                                        -0.0,
+                                        1.0,
+                                        -1.0,
+                                        0.5,
+                                        -0.5,
+                                        2.0,
+                                        3.0,
+                                        nan,
+                                        -nan,
+                                        inf,
+                                        -inf,
+                                        std::numeric_limits<double>::denorm_min(),
+                                        -std::numeric_limits<double>::denorm_min(),
+                                        std::numeric_limits<double>::min(),
+                                        std::numeric_limits<double>::max(),
+                                        -std::numeric_limits<double>::max(),
+                                        std::numeric_limits<double>::epsilon(),
+                                        1e-16,
+                                        -1e-16,
+                                        1.0000000000000002e-16,
+                                        9.999999999999999e-17,
+                                        1e-15,
+                                        -1e-15,
+                                        1.0000000000000002e-15,
+                                        1e-8,
+                                        1e-9,
+                                        1e-5,
+                                        0.1,
+                                        0.15,
+                                        0.85,
+                                        0.97,
+                                        0.9999999999,
+                                        180.0,
+                                        -180.0,
+                                        360.0,
+                                        -360.0,
+                                        540.0,
+                                        1e10,
+                                        -1e10,
+                                        1e12,
+                                        1e7,
+                                        1000.0,
+                                        200.0,
+                                        100.0,
+                                        2147483648.0,
+                                        -2147483648.0,
+                                        2147483647.5,
+                                        -2147483648.5,
+                                        4503599627370496.0,
+                                        72057594037927936.0,
+                                        72057594037927928.0,
+                                        4611686018427387904.0,
+                                        4611686018427388928.0,
+                                        9.223372036854775807e18,
+                                        1e300,
+                                        -1e300,
+                                        1e-300,
+                                        1.5707963267948966,
+                                        3.141592653589793,
+                                        6.283185307179586,
+                                        7.0,
+                                        8.5,
+                                        0.001};
         return kTable[i % (sizeof kTable / sizeof kTable[0])];
     }
 
@@ -144,7 +195,8 @@ private:
 
 constexpr std::size_t kGuardBytes = 64;
 constexpr unsigned char kCanary = 0xA5;
-constexpr std::uint64_t kSentinelBits = 0x7FF4DEADBEEF0A5Aull;  // a signalling NaN no function forms
+constexpr std::uint64_t kSentinelBits =
+    0x7FF4DEADBEEF0A5Aull;  // a signalling NaN no function forms
 
 // The harness's own bookkeeping is kept out of the coverage feedback, which should describe the
 // library; it also runs on every call, so it is written as a few word compares.
@@ -168,7 +220,7 @@ QZ_FUZZ_NO_COVERAGE inline bool CanariesIntact(const unsigned char *g) {
 // record before its first use.
 template <class T>
 class Guarded {
-public:
+  public:
     Guarded() {
         std::memset(pre_, kCanary, sizeof pre_);
         std::memset(post_, kCanary, sizeof post_);
@@ -195,7 +247,7 @@ public:
         QZ_POISON(post_, sizeof post_);
     }
 
-private:
+  private:
     alignas(64) unsigned char pre_[kGuardBytes];
     T obj_;
     alignas(8) unsigned char post_[kGuardBytes];
@@ -205,7 +257,7 @@ private:
 // since the large records make copying on every step costly.
 template <class T>
 class Snapshot {
-public:
+  public:
     explicit Snapshot(const T *p, bool active = true) : p_(active ? p : nullptr) {
         if (p_) std::memcpy(copy_, static_cast<const void *>(p), sizeof(T));
     }
@@ -215,7 +267,7 @@ public:
         }
     }
 
-private:
+  private:
     const T *p_;
     unsigned char copy_[sizeof(T)];
 };
@@ -224,7 +276,7 @@ private:
 // verifies the canaries and that slots k.. still hold it.
 template <class T, int N>
 class Out {
-public:
+  public:
     Out() {
         std::memset(pre_, kCanary, sizeof pre_);
         std::memset(post_, kCanary, sizeof post_);
@@ -259,7 +311,7 @@ public:
         }
     }
 
-private:
+  private:
     alignas(64) unsigned char pre_[kGuardBytes];
     T v_[N];
     alignas(8) unsigned char post_[kGuardBytes];
@@ -270,7 +322,7 @@ private:
 // The values are also checked to be unchanged after the call (inputs are const).
 template <int N>
 class In {
-public:
+  public:
     In() {
         std::memset(post_, kCanary, sizeof post_);
         QZ_POISON(post_, sizeof post_);
@@ -306,13 +358,14 @@ public:
         QZ_UNPOISON(post_, sizeof post_);
         if (!CanariesIntact(post_)) Fail("write after an input array", where);
         QZ_POISON(post_, sizeof post_);
-        if (!mayChange && std::memcmp(copy_, v_, sizeof v_) != 0) Fail("input array changed", where);
+        if (!mayChange && std::memcmp(copy_, v_, sizeof v_) != 0)
+            Fail("input array changed", where);
         if (mayChange && std::memcmp(copy_, v_, sizeof(double) * (N - count_)) != 0) {
             Fail("input slot beyond the count changed", where);
         }
     }
 
-private:
+  private:
     alignas(64) double v_[N];
     alignas(8) unsigned char post_[kGuardBytes];
     double copy_[N];

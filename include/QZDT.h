@@ -166,8 +166,8 @@ typedef struct QZNSyncDTSState {
  * @retval 1 initialised, reset pending.
  * @retval 0 a bad n or jerk limit; the record is left unusable (isInit 0).
  */
-QZ_API uint8_t QZNSyncDTS_OnInit(QZNSyncDTSState *s, int32_t n, double cycleMs, const double *velLmt,
-                                 const double *accLmt, const double *jerkLmt);
+QZ_API uint8_t QZNSyncDTS_OnInit(QZNSyncDTSState *s, int32_t n, double cycleMs,
+                                 const double *velLmt, const double *accLmt, const double *jerkLmt);
 /**
  * @brief Makes the next step start every axis afresh at its target.
  * @param[in,out] s  Record.
@@ -186,7 +186,8 @@ QZ_API uint8_t QZNSyncDTS_OnEmpty(QZNSyncDTSState *s);
  * @retval 0 at the first axis that refuses (earlier axes keep theirs), or the record is not
  * initialised.
  */
-QZ_API uint8_t QZNSyncDTS_OnSetRunTimeLmt(QZNSyncDTSState *s, const double *velLmt, const double *accLmt);
+QZ_API uint8_t QZNSyncDTS_OnSetRunTimeLmt(QZNSyncDTSState *s, const double *velLmt,
+                                          const double *accLmt);
 /**
  * @brief As QZNSyncDTS_OnSetRunTimeLmt, for velocity limits only (QZVDT_OnSetRunTimeVel).
  * @param[in,out] s       Record.
@@ -251,8 +252,8 @@ QZ_API uint8_t QZNSyncDTS_OnDT_NoChange(QZNSyncDTSState *s, double *pos);
  * @retval 1 copied.
  * @retval 0 not initialised, or a reset is pending; nothing written.
  */
-QZ_API uint8_t QZNSyncDTS_OnGetCurPVA(const QZNSyncDTSState *s, double *target, double *pos, double *vel,
-                                      double *acc);
+QZ_API uint8_t QZNSyncDTS_OnGetCurPVA(const QZNSyncDTSState *s, double *target, double *pos,
+                                      double *vel, double *acc);
 /**
  * @brief Copies the smoothed positions, velocities and accelerations, also while a reset is
  * pending.
@@ -265,7 +266,8 @@ QZ_API uint8_t QZNSyncDTS_OnGetCurPVA(const QZNSyncDTSState *s, double *target, 
  * @retval 1 copied.
  * @retval 0 the record is not initialised; nothing written.
  */
-QZ_API uint8_t QZNSyncDTS_OnGetCurPVA_U(const QZNSyncDTSState *s, double *pos, double *vel, double *acc);
+QZ_API uint8_t QZNSyncDTS_OnGetCurPVA_U(const QZNSyncDTSState *s, double *pos, double *vel,
+                                        double *acc);
 
 /* ---- Multi-stage single-axis tracker ---------------------------------------------------- */
 
@@ -300,7 +302,8 @@ typedef struct QZVDTMState {
  * @param[in]  mode     Mode used to share out the limits (not stored).
  * @return 1.
  */
-QZ_API uint8_t QZVDT_OnInitM(QZVDTMState *s, double cycleMs, double velLmt, double accLmt, int32_t mode);
+QZ_API uint8_t QZVDT_OnInitM(QZVDTMState *s, double cycleMs, double velLmt, double accLmt,
+                             int32_t mode);
 /**
  * @brief Makes every stage snap on its next step and clears the blend.
  * @param[in,out] s  Record.
@@ -547,8 +550,9 @@ typedef struct QZNSyncDTSMState {
  * @retval 1 initialised, reset pending.
  * @retval 0 a bad n: the record is left unusable, the jerk array untouched.
  */
-QZ_API uint8_t QZNSyncDTS_OnInitM(QZNSyncDTSMState *s, int32_t n, double cycleMs, const double *velLmt,
-                                  const double *accLmt, double *jerkLmt, int32_t mode);
+QZ_API uint8_t QZNSyncDTS_OnInitM(QZNSyncDTSMState *s, int32_t n, double cycleMs,
+                                  const double *velLmt, const double *accLmt, double *jerkLmt,
+                                  int32_t mode);
 /**
  * @brief Makes the next step start every axis afresh at its target.
  * @param[in,out] s  Record.
@@ -565,7 +569,8 @@ QZ_API uint8_t QZNSyncDTS_OnEmptyM(QZNSyncDTSMState *s);
  * @retval 1 set.
  * @retval 0 the record is not initialised.
  */
-QZ_API uint8_t QZNSyncDTS_OnSetRunTimeLmtM(QZNSyncDTSMState *s, const double *velLmt, const double *accLmt);
+QZ_API uint8_t QZNSyncDTS_OnSetRunTimeLmtM(QZNSyncDTSMState *s, const double *velLmt,
+                                           const double *accLmt);
 /**
  * @brief One control cycle of every axis towards its target, giving the smoothed positions.
  *
@@ -598,8 +603,8 @@ QZ_API uint8_t QZNSyncDTS_OnDT_UM(QZNSyncDTSMState *s, double *pos);
  * @retval 1 copied.
  * @retval 0 not initialised, or a reset is pending.
  */
-QZ_API uint8_t QZNSyncDTS_OnGetCurPVAM(const QZNSyncDTSMState *s, double *target, double *pos, double *vel,
-                                       double *acc);
+QZ_API uint8_t QZNSyncDTS_OnGetCurPVAM(const QZNSyncDTSMState *s, double *target, double *pos,
+                                       double *vel, double *acc);
 /**
  * @brief Copies smoothed positions, velocities and accelerations, also while a reset is pending.
  * @param[in]  s    Record.
@@ -609,7 +614,8 @@ QZ_API uint8_t QZNSyncDTS_OnGetCurPVAM(const QZNSyncDTSMState *s, double *target
  * @retval 1 copied.
  * @retval 0 the record is not initialised.
  */
-QZ_API uint8_t QZNSyncDTS_OnGetCurPVA_UM(const QZNSyncDTSMState *s, double *pos, double *vel, double *acc);
+QZ_API uint8_t QZNSyncDTS_OnGetCurPVA_UM(const QZNSyncDTSMState *s, double *pos, double *vel,
+                                         double *acc);
 
 #ifdef __cplusplus
 }

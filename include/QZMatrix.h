@@ -258,7 +258,6 @@ QZ_API int32_t QZ_GetVectNormA2B(const double *a, const double *b, double *out);
  */
 QZ_API int32_t QZ_GetVectNormLenA2B(const double *a, const double *b, double *out, double *len);
 
-
 /* ---- Fixed-size matrix operations ------------------------------------------------------- */
 
 /* Row-major n-by-n matrices, n = 2..8 (the suffix is n). A product's element [i][j] is the
@@ -580,7 +579,6 @@ QZ_API void QZ_MatrixMultXmX(double *const *A, int32_t n, int32_t m, double *con
 QZ_API void QZ_MatrixMultVectX(double *const *M, int32_t n, int32_t m, const double *v,
                                double *out);
 
-
 /* ---- Matrix inversion and determinant --------------------------------------------------- */
 
 /** @name QZ_MatrixInv2 .. QZ_MatrixInv8 */
@@ -656,7 +654,8 @@ QZ_API int32_t QZ_MatLUPD(double *const *A, int32_t m, int32_t n, int32_t *P);
  * @par Aliasing
  * x must not share storage with b.
  */
-QZ_API void QZ_LUPSolveEq(double *const *LU, int32_t n, const int32_t *P, const double *b, double *x);
+QZ_API void QZ_LUPSolveEq(double *const *LU, int32_t n, const int32_t *P, const double *b,
+                          double *x);
 /**
  * @brief Determinant of the n-by-n matrix that QZ_MatLUPD decomposed.
  *
@@ -1018,7 +1017,6 @@ QZ_API void QZ_XYZMRot(const double *t, double c, double s, double *out);
  */
 QZ_API void QZ_CALC_TRANS_FROM_Rotxyz(const double *abc, double *r);
 
-
 /* ---- Frame geometry --------------------------------------------------------------------- */
 
 /**
@@ -1063,8 +1061,7 @@ QZ_API void QZ_LOperator(const double *v, double *l);
  * @retval 0 parallel lines (same way within about 2e-4 rad, opposite within about 1e-8 rad) or a
  * zero direction; x unwritten.
  */
-QZ_API uint32_t QZ_LineCross(const double *p1, double *d1, const double *p2, double *d2,
-                             double *x);
+QZ_API uint32_t QZ_LineCross(const double *p1, double *d1, const double *p2, double *d2, double *x);
 /**
  * @brief out = v + m * x, m given by row pointers.
  * @param[in]  v     Vector (n).
@@ -1078,7 +1075,6 @@ QZ_API uint32_t QZ_LineCross(const double *p1, double *d1, const double *p2, dou
  */
 QZ_API void QZ_VectAddMV(const double *v, double *const *m, int32_t n, int32_t cols,
                          const double *x, double *out);
-
 
 /* ---- Jacobian frame transforms ---------------------------------------------------------- */
 
@@ -1130,7 +1126,6 @@ QZ_API void Mat67Transpose(const double *A, double *B);
  * y must not overlap M or x.
  */
 QZ_API void MVmult677(const double *M, const double *x, double *y);
-
 
 #ifdef __cplusplus
 }

@@ -11,10 +11,13 @@ int main() {
     qz::Mat<8, 8> m8{};
     const qz::Mat67 j{};
     qz::Vec<7> v7{};
-    double sum = qz::det(m8) + qz::det(*qz::lup(m8)) + qz::vmv(v7, qz::Mat<7, 7>{}) + qz::dot(v7, v7);
+    double sum =
+        qz::det(m8) + qz::det(*qz::lup(m8)) + qz::vmv(v7, qz::Mat<7, 7>{}) + qz::dot(v7, v7);
     sum += qz::inverse(m8).value()[0] + qz::pinv(j).value()[0] + qz::mul(j, qz::transpose(j))[0];
-    sum += qz::mul(j, v7)[0] + qz::cholesky(qz::identity<7>()).value()[0] + qz::eig(m8, 1e-12)->values[0];
-    sum += qz::generalized_eig(qz::Mat6{}, qz::Mat6{}, 1e-12)->values[0] + qz::normalize(v7).value()[0];
+    sum += qz::mul(j, v7)[0] + qz::cholesky(qz::identity<7>()).value()[0] +
+           qz::eig(m8, 1e-12)->values[0];
+    sum += qz::generalized_eig(qz::Mat6{}, qz::Mat6{}, 1e-12)->values[0] +
+           qz::normalize(v7).value()[0];
     const qz::Mat4 t = qz::dh(qz::Rad{0.1}, 1.0, 2.0, qz::Rad{0.2});
     sum += qz::pose_xyz<qz::Deg>(t)[3] + qz::pose_zyz<qz::Rad>(t)->at(3) + qz::to_posquat(t)[6];
     sum += qz::angle<qz::Deg>(qz::to_quat(t), qz::slerp(qz::Quat{}, qz::Quat{}, 0.5)).value;
@@ -23,11 +26,15 @@ int main() {
     qz::SmoothedMultiStageTracker<7> armM(4.0, v7, v7, v7, 1);
     qz::Tracker axis(1.0, 10.0, 10.0);
     sum += arm.step(v7).value()[0] + armM.step(v7)[0] + axis.step(1.0);
-    sum += qz::AveragingFilter<2>(10, 0.001).update({})->avg[0] + qz::SmoothedValue(0, 0.1, 0.1, 0.01).update(1);
-    sum += qz::Estimator<3>(4.0, {}, {}).step(1, {}, {})[0] + qz::OneStepFitter<2>(qz::Vec<2>{}).update({})[0];
-    sum += qz::ErrorComparator().update({}, {})[0] + (axis.set_velocity_limit(5.0) == qz::Limit::ignored);
+    sum += qz::AveragingFilter<2>(10, 0.001).update({})->avg[0] +
+           qz::SmoothedValue(0, 0.1, 0.1, 0.01).update(1);
+    sum += qz::Estimator<3>(4.0, {}, {}).step(1, {}, {})[0] +
+           qz::OneStepFitter<2>(qz::Vec<2>{}).update({})[0];
+    sum += qz::ErrorComparator().update({}, {})[0] +
+           (axis.set_velocity_limit(5.0) == qz::Limit::ignored);
 #ifdef QZ_WITH_EIGEN
-    sum += qz::eigen::map(m8)(1, 2) + qz::eigen::map(v7)(3) + qz::eigen::as_qz(qz::eigen::map(j)).size();
+    sum += qz::eigen::map(m8)(1, 2) + qz::eigen::map(v7)(3) +
+           qz::eigen::as_qz(qz::eigen::map(j)).size();
 #endif
     return sum > 0.0;
 #elif QZ_CASE == 1

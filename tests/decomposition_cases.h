@@ -34,10 +34,10 @@ inline Mat RandomSymmetric(std::mt19937_64 &rng, int n, int kind) {
         Eigen::VectorXd l(n);
         for (int i = 0; i < n; ++i) {
             const double u = Uniform(rng, -1.0, 1.0);
-            l(i) = kind == 1 ? std::pow(10.0, 6 * u) * (i % 2 ? -1.0 : 1.0)
-                 : kind == 2 ? 1.0 + 1e-12 * u
-                 : kind == 3 ? (i % 3 ? 2.0 : -1.0)
-                             : 5.5 + 4.5 * u;
+            l(i) = kind == 1   ? std::pow(10.0, 6 * u) * (i % 2 ? -1.0 : 1.0)
+                   : kind == 2 ? 1.0 + 1e-12 * u
+                   : kind == 3 ? (i % 3 ? 2.0 : -1.0)
+                               : 5.5 + 4.5 * u;
         }
         const Mat Q = Eigen::HouseholderQR<Mat>(M).householderQ();
         M = Q * l.asDiagonal() * Q.transpose();

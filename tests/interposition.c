@@ -37,6 +37,7 @@ static void show(const char *what, const double *v, int n) {
 }
 
 #ifdef QZ_FOREIGN
+// clang-format off
 static const double junk = 1234.5;
 static void fill(double *v, int n) { for (int i = 0; i < n; ++i) v[i] = junk; }
 void ValueToTarget(double *v, double t, double s) { (void)t; (void)s; *v = junk; }
@@ -63,6 +64,7 @@ void rotmat_to_axis_angle(const double *R, double *r) { (void)R; fill(r, 3); }
 void AngleMult(const double *a, const double *b, double *o) { (void)a; (void)b; fill(o, 3); }
 void relative_rotation(const double *a, const double *b, double *o) { (void)a; (void)b; fill(o, 9); }
 void relative_Angle(const double *a, const double *b, double *o) { (void)a; (void)b; fill(o, 3); }
+// clang-format on
 #endif
 
 int main(void) {

@@ -14,6 +14,7 @@
 #define R(T) printf("%s - 0 %zu\n", #T, sizeof(T))
 
 int main(void) {
+    // clang-format off
     R(QZVDTState);
     F(QZVDTState, pos); F(QZVDTState, vel); F(QZVDTState, accLmt); F(QZVDTState, dt);
     F(QZVDTState, lawStep); F(QZVDTState, accStep2); F(QZVDTState, isInit);
@@ -69,5 +70,6 @@ int main(void) {
     R(QZSlerpFactorState);
     F(QZSlerpFactorState, initialized); F(QZSlerpFactorState, theta);
     F(QZSlerpFactorState, sinTheta); F(QZSlerpFactorState, useSpherical);
+    // clang-format on
     return 0;
 }

@@ -10,8 +10,10 @@ using namespace qztest;
 // and divides by the length, not its square.
 TEST(QuaternionNormAndInverse, RefuseLengthsAtTheirFloors) {
     const double unitInv[4] = {-0.0, -0.0, -0.0, 1.0}, kept[4] = {7, 7, 7, 7};
+    // clang-format off
     const struct { double len; uint32_t norm, inv; } rows[] = {
         {1e-16, 0, 0}, {NextUp(1e-16), 1, 0}, {1e-9, 1, 0}, {NextUp(1e-9), 1, 1}, {2.0, 1, 1}};
+    // clang-format on
     for (const auto &r : rows) {
         double q[4] = {0, 0, 0, r.len}, inv[4] = {7, 7, 7, 7};
         ASSERT_EQ(QZ_QuaternionSqrtNorm(q), r.len);

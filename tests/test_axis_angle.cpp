@@ -33,8 +33,10 @@ TEST(AxisAngle, RoundTripsAgreeWithEigenAndTheHalfTurnBandReadsTheSymmetricPart)
         double r[3], R[9], back[3];
         Eigen::Vector3d::Map(r) = angle * k;
         axis_angle_to_rotmat(r, R);
-        if (n % 6 == 5) RowMat3::Map(R) = 2 * k * k.transpose() - Eigen::Matrix3d::Identity();
-        else ASSERT_TRUE(Near(R, RowMat3(ToAngleAxis(r).toRotationMatrix()).data(), 9, 4 * kEps));
+        if (n % 6 == 5)
+            RowMat3::Map(R) = 2 * k * k.transpose() - Eigen::Matrix3d::Identity();
+        else
+            ASSERT_TRUE(Near(R, RowMat3(ToAngleAxis(r).toRotationMatrix()).data(), 9, 4 * kEps));
         rotmat_to_axis_angle(R, back);
         const double theta = std::acos((R[0] + R[4] + R[8] - 1.0) * 0.5), s2 = 2 * std::sin(theta);
         const double fold = angle < M_PI ? 1.0 : (angle - 2 * M_PI) / angle;

@@ -8,10 +8,12 @@ using namespace qztest;
 
 namespace {
 
+// clang-format off
 const struct {
     int32_t (*f)(const double *, double *, int32_t);
     int S;
 } kFamilies[] = {{Cholesky, 6}, {Cholesky7, 7}};
+// clang-format on
 
 }  // namespace
 

@@ -35,6 +35,7 @@ TEST(QuaternionMatrix, RoundTripsAndComposesLikeEigen) {
 // that the forms give different results; with S = 2 sqrt(3) that component is sqrt(3) / 2.
 TEST(Matrix2Quaternion, TakesTheFourFormsWithTiesToTheLater) {
     const double h = std::sqrt(3.0) / 2, s = std::sqrt(0.5);
+    // clang-format off
     const struct { double r[9]; int i; double v; } rows[] = {
         {{1, 0, 0, 0, -1, 0, 0, 0, -1}, 0, 1.0},                // half turn about x
         {{0, 0, 1, 1, 0, 0, 0, 1, 0}, 2, 0.5},                  // trace 0, equal diagonal
@@ -45,6 +46,7 @@ TEST(Matrix2Quaternion, TakesTheFourFormsWithTiesToTheLater) {
         {{0.5, 0, 0, 0, 0.5, 0, 0, 0, NextUp(-1.0)}, 3, 0.5},
         {{0.5, 0, 0, 0, 0.5, 0, 0, 0, -1.0}, 1, s},
         {{0.5, 0, 0, 0, 0.5, 0, 0, 0, NextDown(-1.0)}, 1, s}};
+    // clang-format on
     for (const auto &row : rows) {
         double q[4];
         QZ_Matrix2Quaternion3(row.r, q);
@@ -85,6 +87,5 @@ TEST(XYZABC2XYZQ, MatchesEigensElementaryRotationsInPlace) {
         ASSERT_TRUE(SameUpToSign(buf + 3, e.coeffs().data(), 16 * kEps)) << n;
     }
 }
-
 
 }  // namespace

@@ -36,7 +36,8 @@ template <class T, class C>
 ::testing::AssertionResult Same(const T &value, const C &c) {
     for (std::size_t i = 0; i < value.size(); ++i)
         if (qztest::Bits(value[i]) != qztest::Bits(c[i]))
-            return ::testing::AssertionFailure() << "element " << i << ": " << qztest::SameBits(value[i], c[i]).message();
+            return ::testing::AssertionFailure()
+                   << "element " << i << ": " << qztest::SameBits(value[i], c[i]).message();
     return ::testing::AssertionSuccess();
 }
 template <class T>
@@ -56,9 +57,11 @@ std::array<double, 64> C(F fn, const A &...args) {
 
 // The size families, one column per family, indexed by size: the test's own table, so that a
 // wrong entry in the header's table shows.
-#define QZ_SIZES(f) {nullptr, nullptr, f##2, f##3, f##4, f##5, f##6, f##7, f##8}
+#define QZ_SIZES(f) \
+    { nullptr, nullptr, f##2, f##3, f##4, f##5, f##6, f##7, f##8 }
 using Bin = void (*)(const double *, const double *, double *);
-constexpr Bin kMult[] = QZ_SIZES(QZ_MatrixMult), kMatAdd[] = QZ_SIZES(QZ_MatrixAdd), kVecAdd[] = QZ_SIZES(QZ_VectAdd);
+constexpr Bin kMult[] = QZ_SIZES(QZ_MatrixMult), kMatAdd[] = QZ_SIZES(QZ_MatrixAdd),
+              kVecAdd[] = QZ_SIZES(QZ_VectAdd);
 constexpr void (*kTranspose[])(const double *, double *) = QZ_SIZES(QZ_MatrixTranspose);
 constexpr std::uint8_t (*kInv[])(const double *, double *) = QZ_SIZES(QZ_MatrixInv);
 constexpr std::int32_t (*kNorm[])(double *) = QZ_SIZES(QZ_VectNorm);
@@ -120,7 +123,9 @@ TEST(CppApi, ShapesAndDecompositionsGiveTheBitsOfTheirCFunctions) {
     ASSERT_EQ(QZ_MatLUPD(rows, 7, 7, perm), 0);
     const auto f = qz::lup(m7);
     EXPECT_TRUE(Same(f->lu, lu) && std::equal(perm, perm + 8, f->perm.begin()));
-    EXPECT_TRUE(Same(qz::solve(*f, v7), C([&](const double *b, double *x) { QZ_LUPSolveEq(rows, 7, perm, b, x); }, v7)));
+    EXPECT_TRUE(
+        Same(qz::solve(*f, v7),
+             C([&](const double *b, double *x) { QZ_LUPSolveEq(rows, 7, perm, b, x); }, v7)));
     EXPECT_TRUE(qztest::SameBits(qz::det(*f), QZ_MatLUPDet(rows, 7, perm)));
     QZ_MatLUPInv(rows, 7, perm, invRows);
     EXPECT_TRUE(Same(qz::inverse(*f), inv));
@@ -134,7 +139,8 @@ TEST(CppApi, ShapesAndDecompositionsGiveTheBitsOfTheirCFunctions) {
     ASSERT_EQ(Cholesky(in6.data(), l6.data(), 3), 0);
     const auto l3 = qz::cholesky(s3).value();
     for (int i = 0; i < 9; ++i) EXPECT_TRUE(qztest::SameBits(l3[i], l6[6 * (i / 3) + i % 3]));
-    EXPECT_TRUE(Same(qz::cholesky(s7).value(), C([](const double *a, double *l) { Cholesky7(a, l, 7); }, s7)));
+    EXPECT_TRUE(Same(qz::cholesky(s7).value(),
+                     C([](const double *a, double *l) { Cholesky7(a, l, 7); }, s7)));
     EXPECT_TRUE(qztest::SameBits(qz::vmv(v7, s7), VMV(v7.data(), s7.data(), 7)));
     auto a = s6;
     const auto vectors = C([&](double *v) { ASSERT_TRUE(eig(6, a.data(), v, 1e-12)); });
@@ -142,13 +148,15 @@ TEST(CppApi, ShapesAndDecompositionsGiveTheBitsOfTheirCFunctions) {
     EXPECT_TRUE(e.ok() && Same(e->vectors, vectors));
     for (int k = 0; k < 6; ++k) EXPECT_TRUE(qztest::SameBits(e->values[k], a(k, k)));
     double values[7];
-    const auto gv = C([&](double *v) { ASSERT_TRUE(generalized_eig7(1e-12, s7.data(), b7.data(), v, values)); });
+    const auto gv = C(
+        [&](double *v) { ASSERT_TRUE(generalized_eig7(1e-12, s7.data(), b7.data(), v, values)); });
     const auto g = qz::generalized_eig(s7, b7, 1e-12);
     EXPECT_TRUE(Same(g->vectors, gv) && Same(g->values, values));
 }
 
 TEST(CppApi, OrientationsAndPosesGiveTheBitsOfTheirCFunctions) {
-    const auto q1 = qz::normalize(Random<qz::Quat>()).value(), q2 = qz::normalize(Random<qz::Quat>()).value();
+    const auto q1 = qz::normalize(Random<qz::Quat>()).value(),
+               q2 = qz::normalize(Random<qz::Quat>()).value();
     const auto abc = qz::EulerXYZ<qz::Deg>{{20.0, -35.0, 140.0}};
     const auto t = qz::transform(qz::PoseXYZ<qz::Deg>{{100.0, -20.0, 300.0, 20.0, -35.0, 140.0}});
     const auto r = qz::rotation(abc);
@@ -157,12 +165,15 @@ TEST(CppApi, OrientationsAndPosesGiveTheBitsOfTheirCFunctions) {
     EXPECT_TRUE(Same(qz::mul(q1, q2), C(QZ_QuatMult, q1, q2)));
     EXPECT_TRUE(Same(qz::conjugate(q1), C(QZ_QuaternionConjugate, q1)));
     EXPECT_TRUE(Same(qz::inverse(q2).value(), C(QZ_QuaternionInverse, q2)));
-    EXPECT_TRUE(qztest::SameBits(qz::angle<qz::Deg>(q1, q2).value, QZ_QuaternionAngleDeg(q1.data(), q2.data())));
-    EXPECT_TRUE(qztest::SameBits(qz::angle<qz::Rad>(q1, q2).value, QZ_QuaternionAngleArc(q1.data(), q2.data())));
+    EXPECT_TRUE(qztest::SameBits(qz::angle<qz::Deg>(q1, q2).value,
+                                 QZ_QuaternionAngleDeg(q1.data(), q2.data())));
+    EXPECT_TRUE(qztest::SameBits(qz::angle<qz::Rad>(q1, q2).value,
+                                 QZ_QuaternionAngleArc(q1.data(), q2.data())));
     EXPECT_TRUE(Same(qz::slerp_long(q1, q2, 0.3), C(QZ_QuatSlerpL, q1, q2, 0.3)));
     auto q2c = q2;  // the C slerps may negate their second quaternion in place
     QZSlerpFactorState st{};
-    const auto factor = C([&](double *out) { QZ_QuatSlerpFactor(q1.data(), q2c.data(), 0.3, out, &st); });
+    const auto factor =
+        C([&](double *out) { QZ_QuatSlerpFactor(q1.data(), q2c.data(), 0.3, out, &st); });
     EXPECT_TRUE(Same(qz::Slerp(q1, q2).at(0.3), factor) && Same(qz::slerp(q1, q2, 0.3), factor));
     EXPECT_TRUE(Same(r, C(QZ_ABC2Matrix3DEG, abc)));
     EXPECT_TRUE(Same(qz::to_quat(t), C(QZ_Matrix2Quaternion4, t)));
@@ -172,11 +183,13 @@ TEST(CppApi, OrientationsAndPosesGiveTheBitsOfTheirCFunctions) {
     // The unit is in the type: the C names of the XYZ extractions carry the opposite unit.
     EXPECT_TRUE(Same(qz::pose_xyz<qz::Deg>(t), C(QZ_Matrix2XYZABC4ARC_XYZ, t)));
     EXPECT_TRUE(Same(qz::pose_xyz<qz::Rad>(t), C(QZ_Matrix2XYZABC4DEG_XYZ, t)));
-    EXPECT_TRUE(Same(qz::transform(qz::pose_xyz<qz::Rad>(t)), C(QZ_XYZABC2Matrix4ARC, qz::pose_xyz<qz::Rad>(t))));
+    EXPECT_TRUE(Same(qz::transform(qz::pose_xyz<qz::Rad>(t)),
+                     C(QZ_XYZABC2Matrix4ARC, qz::pose_xyz<qz::Rad>(t))));
     EXPECT_TRUE(Same(qz::pose_zyz<qz::Deg>(t).value(), C(QZ_Matrix2XYZABC4DEG_ZYZ, t)));
     EXPECT_TRUE(Same(qz::euler_zyz(r).value(), C(QZ_Matrix2ZYZ, r)));
     EXPECT_TRUE(Same(qz::euler_xyz(r), C(QZ_Matrix2XYZ, r)));
-    EXPECT_TRUE(Same(qz::dh(qz::Rad{0.5}, 82.5, 316.0, qz::Rad{-1.2}), C(QZ_DH2Matrix, 0.5, 82.5, 316.0, -1.2)));
+    EXPECT_TRUE(Same(qz::dh(qz::Rad{0.5}, 82.5, 316.0, qz::Rad{-1.2}),
+                     C(QZ_DH2Matrix, 0.5, 82.5, 316.0, -1.2)));
     EXPECT_TRUE(qztest::SameBits(qz::to_rad(qz::Deg{35.0}).value, 0.017453292519943295 * 35.0));
     EXPECT_TRUE(qztest::SameBits(qz::sin(qz::Deg{35.0}), QZ_SIN_DEG(35.0)));
     EXPECT_TRUE(Same(qz::compose(rv, rw), C(AngleMult, rv, rw)));
@@ -188,6 +201,7 @@ TEST(CppApi, FailuresComeBackUnderTheirOwnReason) {
     const qz::Mat3 singular{{1, 2, 3, 2, 4, 6, 0, 1, 1}};
     const qz::Mat3 indefinite{{1, 0, 0, 0, -1, 0, 0, 0, 1}};
     const qz::Vec3 o{{0, 0, 0}}, x{{1, 0, 0}};
+    // clang-format off
     const struct {
         qz::Status got, want;
     } cases[] = {
@@ -203,6 +217,7 @@ TEST(CppApi, FailuresComeBackUnderTheirOwnReason) {
         {qz::eig(indefinite, 0.0).status(), qz::Status::failed},
         {qz::inverse(indefinite).status(), qz::Status::ok},
     };
+    // clang-format on
     for (const auto &k : cases) EXPECT_EQ(k.got, k.want) << qz::to_string(k.want);
     // The singular ZYZ branch still writes its angles: the whole turn goes to c.
     EXPECT_DOUBLE_EQ(qz::euler_zyz(qz::rot_z(qz::Rad{0.4})).value()[2], 0.4);
@@ -215,6 +230,7 @@ TEST(CppApi, LimitSettersReportWhatTheTrackerDid) {
     EXPECT_EQ(qz::Tracker(4.0, 50.0, 100.0).init_limits(), L::applied);
     (void)axis.step(0.0);
     for (int k = 0; k < 600; ++k) (void)axis.step(1000.0);  // cruising at 200
+    // clang-format off
     const struct {
         L got, want;
     } cases[] = {
@@ -225,6 +241,7 @@ TEST(CppApi, LimitSettersReportWhatTheTrackerDid) {
         {axis.set_limits(250.0, 100.5), L::applied},  // the acceleration differs by 0.5
         {axis.set_limits(250.02, 100.52), L::ignored},
     };
+    // clang-format on
     for (const auto &k : cases) EXPECT_EQ(k.got, k.want) << qz::to_string(k.want);
 
     qz::SmoothedTracker<2> refused(4.0, {{50, 50}}, {{100, 100}}, {{1000, 0.5}});
@@ -286,7 +303,8 @@ TEST(CppApi, StatefulClassesStepTheirRecordsAsTheCFunctionsDo) {
         ASSERT_TRUE(Same(est.step(k / 4, target, vel), c)) << k;
         OneFitterRun(&cFit, target.data(), c);
         ASSERT_TRUE(Same(fitter.update(target), c)) << k;
-        QZ_DCTRL_ErrorCompare(0, qz::Vec<7>{}.data(), qz::Vec<7>{{goal / 5, 0.1, 3, -3}}.data(), &cCmp, c);
+        QZ_DCTRL_ErrorCompare(0, qz::Vec<7>{}.data(), qz::Vec<7>{{goal / 5, 0.1, 3, -3}}.data(),
+                              &cCmp, c);
         ASSERT_TRUE(Same(comparator.update({}, {{goal / 5, 0.1, 3, -3}}), c)) << k;
         QZAVGF_OnFilt(&cAvg, target.data(), c, d);
         const auto av = avg.update(target).value();

@@ -17,7 +17,8 @@ TEST(ErrorCompare, DeadBandSwallowsSmallErrorsAndShiftsLargeOnes) {
     ASSERT_EQ(QZ_DCTRL_ErrorCompare(123, kZero, second, &s, corr), 1);
     for (int j = 0; j < 7; ++j)
         EXPECT_TRUE(SameBits(s.err[j], err[j]) && SameBits(s.integ[j], err[j]) &&
-                    SameBits(corr[j], s.kInteg[j] * err[j] + 0.0 * err[j])) << j;
+                    SameBits(corr[j], s.kInteg[j] * err[j] + 0.0 * err[j]))
+            << j;
 }
 
 // A caller-raised gain drives the output clamp on both sides; Init restores the defaults; the

@@ -58,7 +58,9 @@ TEST(Estimator, SampleAndHoldMeasuredVelocityAndConvergingEstimate) {
     c.Step(0, x);
     for (int k = 1; k <= 14; ++k) {
         c.Step(k, x += 10 * 0.004);  // 10 units/s
-        EXPECT_TRUE(k <= 12 ? std::fabs(c.s.velEst[0] - 0.8 * k) < 1e-12 : c.s.velEst[0] == c.s.velMeas[0]) << k;
+        EXPECT_TRUE(k <= 12 ? std::fabs(c.s.velEst[0] - 0.8 * k) < 1e-12
+                            : c.s.velEst[0] == c.s.velMeas[0])
+            << k;
     }
     Est h(3, 4);
     double xs[8] = {0.0, 2, 3}, ys[8] = {0.1 * 0.004, 2.5, 3.5};
@@ -82,11 +84,13 @@ TEST(Estimator, NearLimitHysteresisAndClamps) {
     for (int k = 0; k < 7; ++k) {
         e.ref[0] = refs[k];
         e.Step(k + 1, (k + 1) * 0.01);  // 10 units/s
-        EXPECT_TRUE(std::fabs(e.s.velRaw[0] - 10) < 1e-9 && std::fabs(e.s.velMeas[0] - 10 * (1 - cut[k])) < 1e-9)
+        EXPECT_TRUE(std::fabs(e.s.velRaw[0] - 10) < 1e-9 &&
+                    std::fabs(e.s.velMeas[0] - 10 * (1 - cut[k])) < 1e-9)
             << refs[k];
     }
     Est c(1, 1, 60, 50);
-    const double lower[8] = {10}, higher[8] = {500}, xs[] = {0.0, 0.1, 0.0, 0.1}, want[] = {0.0, 24, -24, 10.0};
+    const double lower[8] = {10}, higher[8] = {500}, xs[] = {0.0, 0.1, 0.0, 0.1},
+                 want[] = {0.0, 24, -24, 10.0};
     for (int k = 0; k < 4; ++k) {
         if (k == 3) EXPECT_EQ(QZNEst_OnSetRunTimeLmt(&c.s, lower), 1);
         c.Step(k, xs[k]);
@@ -103,8 +107,10 @@ TEST(Estimator, NearLimitHysteresisAndClamps) {
 // nothing; the score is the sum over 200 samples / 200, capped at 100. A 10 ms period has its
 // lower threshold at 2: a deviation of 1 costs 1, 2 nothing, 4 costs 40.
 TEST(Estimator, JitterPenaltiesAndScoreEvery200Samples) {
+    // clang-format off
     const struct { double ms; int calls, sum; } rows[] = {
         {4, 4, 0}, {4, 5, 10}, {4, 7, 100}, {4, 3, 110}, {4, 6, 110}, {10, 11, 1}, {10, 12, 1}, {10, 6, 41}};
+    // clang-format on
     Est e4(1, 4), e10(1, 10);
     e4.Step(0, 0.0), e10.Step(0, 0.0);
     for (const auto &r : rows) {

@@ -32,7 +32,8 @@ TEST(Euler, BothConventionsRoundTripAndAgreeWithElementaryProductsAndKdl) {
     auto rng = Rng();
     for (int n = 0; n < 1000; ++n) {
         const double x = Uniform(rng, -3.14, 3.14), y = Uniform(rng, -1.55, 1.55),
-                     z = Uniform(rng, -3.14, 3.14), b = Uniform(rng, 0.01, 3.13), abc[3] = {x, y, z};
+                     z = Uniform(rng, -3.14, 3.14), b = Uniform(rng, 0.01, 3.13),
+                     abc[3] = {x, y, z};
         Mat r(3, 3), q(3, 3);
         double got[3];
         QZ_ABC2Matrix3ARC(abc, r.data());
@@ -60,8 +61,9 @@ TEST(Euler, PoseFormsShareTheRotationFormsAndUnits) {
         QZ_ABC2Matrix3DEG(p + 3, r);
         QZ_CALC_TRANS_FROM_Rotxyz(p + 3, rc);
         EXPECT_EQ(QZ_Matrix2XYZABC4ARC_XYZ(t, deg) + QZ_Matrix2XYZABC4DEG_XYZ(t, rad) +
-                  QZ_Matrix2XYZABC4ARC_ZYZ(t, zr) + QZ_Matrix2XYZABC4DEG_ZYZ(t, zd) +
-                  QZ_Matrix2XYZ(r, a3) + QZ_Matrix42XYZ(t, t3) + QZ_Matrix2ZYZ(r, z3), 7u);
+                      QZ_Matrix2XYZABC4ARC_ZYZ(t, zr) + QZ_Matrix2XYZABC4DEG_ZYZ(t, zd) +
+                      QZ_Matrix2XYZ(r, a3) + QZ_Matrix42XYZ(t, t3) + QZ_Matrix2ZYZ(r, z3),
+                  7u);
         for (int i = 0; i < 9; ++i)
             ASSERT_TRUE(SameBits(t[4 * (i / 3) + i % 3], r[i]) && SameBits(rc[i], r[i])) << i;
         ASSERT_TRUE(SameBits(t[12], 0.0) && SameBits(t[14], 0.0) && SameBits(t[15], 1.0));

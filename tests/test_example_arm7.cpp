@@ -17,8 +17,9 @@ namespace {
 KDL::Chain Arm7Chain(double scale) {
     KDL::Chain chain;
     const Arm7Link &first = kArm7Links[0];
-    chain.addSegment(KDL::Segment(KDL::Joint(KDL::Joint::None),
-                                  KDL::Frame::DH_Craig1989(scale * first.a, first.alpha, 0.0, 0.0)));
+    chain.addSegment(
+        KDL::Segment(KDL::Joint(KDL::Joint::None),
+                     KDL::Frame::DH_Craig1989(scale * first.a, first.alpha, 0.0, 0.0)));
     for (int i = 0; i < ARM7_JOINTS; ++i) {
         const bool last = i + 1 == ARM7_JOINTS;
         const Arm7Link &next = last ? kArm7Flange : kArm7Links[i + 1];
@@ -57,7 +58,8 @@ TEST(ExampleArm7, ForwardKinematicsAndJacobianMatchKdl) {
             }
             for (int r = 0; r < 6; ++r)
                 for (int c = 0; c < ARM7_JOINTS; ++c)
-                    EXPECT_NEAR(j[7 * r + c], jk(r, c), r < 3 ? 1e-12 * scale * 1000 : 1e-14) << n << " " << r;
+                    EXPECT_NEAR(j[7 * r + c], jk(r, c), r < 3 ? 1e-12 * scale * 1000 : 1e-14)
+                        << n << " " << r;
         }
     }
 }

@@ -48,10 +48,12 @@ TEST(Frames, LineCrossGivesCrossingOrMidpointOfCommonPerpendicular) {
     auto rng = Rng();
     double x[3];
     for (int n = 0; n < 2000; ++n) {
-        const Vec3 c = 1e3 * RandomMat(rng, 3, 1), u = RandomMat(rng, 3, 1), w = RandomMat(rng, 3, 1);
+        const Vec3 c = 1e3 * RandomMat(rng, 3, 1), u = RandomMat(rng, 3, 1),
+                   w = RandomMat(rng, 3, 1);
         if (u.normalized().cross(w.normalized()).norm() < 0.05) continue;
         const Vec3 perp = u.cross(w).normalized() * (n % 2 ? Uniform(rng, -50, 50) : 0.0);
-        const Vec3 a = c + perp + Uniform(rng, -300, 300) * u, b = c - perp + Uniform(rng, -300, 300) * w;
+        const Vec3 a = c + perp + Uniform(rng, -300, 300) * u,
+                   b = c - perp + Uniform(rng, -300, 300) * w;
         Vec3 du = 3.0 * u, dw = 0.5 * w;
         ASSERT_EQ(QZ_LineCross(a.data(), du.data(), b.data(), dw.data(), x), 1u) << n;
         EXPECT_LT((Vec3(x[0], x[1], x[2]) - c).norm(), 1e-8) << n;
@@ -62,9 +64,11 @@ TEST(Frames, LineCrossGivesCrossingOrMidpointOfCommonPerpendicular) {
 // Same-way lines count as parallel up to about 2e-4 rad, opposite lines only within about 1e-8
 // rad of a straight angle; parallel pairs and zero directions (left zero) leave X as it was.
 TEST(Frames, LineCrossRefusesParallelAndZeroDirections) {
+    // clang-format off
     const struct { double angle, len; uint32_t ok; } cases[] = {
         {0.0, 1, 0}, {1e-4, 1, 0}, {4e-4, 1, 1}, {kPi, 1, 0}, {kPi - 1e-9, 1, 0},
         {kPi - 1e-6, 1, 1}, {kPi / 2, 0, 0}};
+    // clang-format on
     for (const auto &c : cases) {
         double p1[3] = {0, 0, 0}, d1[3] = {5 * c.len, 0, 0}, p2[3] = {0, 1, 0}, x[3] = {7, 8, 9};
         double d2[3] = {3 * std::cos(c.angle), 3 * std::sin(c.angle), 0};

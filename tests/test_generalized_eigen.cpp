@@ -7,10 +7,12 @@ using namespace qztest;
 
 namespace {
 
+// clang-format off
 const struct {
     uint8_t (*solve)(double, const double *, const double *, double *, double *);
     int n;
 } kSolvers[] = {{generalized_eig, 6}, {generalized_eig7, 7}};
+// clang-format on
 
 }  // namespace
 

@@ -17,15 +17,26 @@ using qztest::SameBits;
 // finite or too large to resolve into turns give NaN in both.
 TEST(MinDifCircle, FixturesAndUnresolvableDifferences) {
     const double nan = NAN, inf = INFINITY;
-    const double rows[][4] = {{10, 350, 20, -10}, {170, -170, 20, 190}, {0, 180, 180, -180}, {180, 0, 180, 0},
-                              {42.5, 42.5, -0.0, 42.5}, {inf, 0, nan, nan}, {0, inf, nan, nan}, {5, -inf, nan, nan},
-                              {nan, 1, nan, nan}, {1, nan, nan, nan}, {inf, inf, nan, nan}, {1e300, -1e300, nan, nan},
-                              {1e19, 0, nan, nan}, {0x1.0000000000001p62, 0, nan, nan},
+    const double rows[][4] = {{10, 350, 20, -10},
+                              {170, -170, 20, 190},
+                              {0, 180, 180, -180},
+                              {180, 0, 180, 0},
+                              {42.5, 42.5, -0.0, 42.5},
+                              {inf, 0, nan, nan},
+                              {0, inf, nan, nan},
+                              {5, -inf, nan, nan},
+                              {nan, 1, nan, nan},
+                              {1, nan, nan, nan},
+                              {inf, inf, nan, nan},
+                              {1e300, -1e300, nan, nan},
+                              {1e19, 0, nan, nan},
+                              {0x1.0000000000001p62, 0, nan, nan},
                               {0, 0x1.0000000000001p62, nan, nan}};
     for (const auto &r : rows) {
         double b = r[1];
         const double got = QZ_MinDif_Circle(r[0], &b);
-        EXPECT_TRUE(std::isnan(r[2]) ? std::isnan(got) && std::isnan(b) : SameBits(got, r[2]) && SameBits(b, r[3]))
+        EXPECT_TRUE(std::isnan(r[2]) ? std::isnan(got) && std::isnan(b)
+                                     : SameBits(got, r[2]) && SameBits(b, r[3]))
             << r[0] << " " << r[1];
     }
     double b = -0x1p62;  // the largest difference whose turns are still resolved
@@ -35,7 +46,7 @@ TEST(MinDifCircle, FixturesAndUnresolvableDifferences) {
 // Sides a, b and the opposite side c -> the angle at C in degrees, clamped for impossible
 // triangles, 0 when a side is within the zero band (and not beyond it).
 TEST(CalAngleCDEG, TriangleFixturesClampsAndZeroBand) {
-    const double rows[][4] = {{3, 4, 5, 90}, {1, 1, 2, 0}, {1, 1, 0, 180}, {1, 1, 3, 0},
+    const double rows[][4] = {{3, 4, 5, 90},  {1, 1, 2, 0}, {1, 1, 0, 180},   {1, 1, 3, 0},
                               {2, 5, 1, 180}, {0, 1, 1, 0}, {1, 1e-16, 1, 0}, {1, 1, 1, 120}};
     for (const auto &r : rows) EXPECT_NEAR(QZ_CalAngleCDEG(r[0], r[1], r[2]), r[3], 1e-12) << r[2];
     EXPECT_NE(QZ_CalAngleCDEG(1, NextUp(1e-16), 1), 0.0);
@@ -50,7 +61,8 @@ TEST(PointToLine, FootIsPerpendicularAndMayAliasInputs) {
             for (double &x : v) x = qztest::Uniform(rng, -5, 5);
         ASSERT_EQ(QZ_PointToLine(in[0], in[1], in[2], f), 1);
         for (int i = 0; i < 3; ++i)
-            dot += (in[2][i] - f[i]) * (in[1][i] - in[0][i]), n2 += (in[1][i] - in[0][i]) * (in[1][i] - in[0][i]);
+            dot += (in[2][i] - f[i]) * (in[1][i] - in[0][i]),
+                n2 += (in[1][i] - in[0][i]) * (in[1][i] - in[0][i]);
         ASSERT_NEAR(dot / n2, 0.0, 1e-12);
         for (int w = 0; w < 3; ++w) {
             double c[3][3];
@@ -67,8 +79,10 @@ TEST(PointToLine, FootIsPerpendicularAndMayAliasInputs) {
 
 // Steps of one towards 0 (or 5); within half a step, inclusive, lands exactly on the target.
 TEST(ValueToTarget, StepsThenLandsExactly) {
+    // clang-format off
     const struct { double start, target; std::vector<double> path; } rows[] = {
         {10, 0, {9}}, {0.5, 0, {0}}, {-0.5, 0, {0}}, {1.6, 0, {0.6, -0.4, 0}}, {NextUp(5.5), 5, {4.5}}};
+    // clang-format on
     for (const auto &r : rows) {
         double v = r.start;
         for (double w : r.path) {

@@ -11,8 +11,10 @@ using namespace qztest;
 // factor forms may negate q2.
 void Slerp(bool longer, bool factor, const double *q1, double *q2, double t, double *out,
            QZSlerpFactorState *st) {
-    if (factor) (longer ? QZ_QuatSlerpFactorL : QZ_QuatSlerpFactor)(q1, q2, t, out, st);
-    else longer ? QZ_QuatSlerpL(q1, q2, t, out) : QZ_QuatSlerp(q1, q2, t, out);
+    if (factor)
+        (longer ? QZ_QuatSlerpFactorL : QZ_QuatSlerpFactor)(q1, q2, t, out, st);
+    else
+        longer ? QZ_QuatSlerpL(q1, q2, t, out) : QZ_QuatSlerp(q1, q2, t, out);
 }
 
 // One state per pair and way over a run of t: the factor forms give the single-call bits, both
@@ -38,8 +40,9 @@ TEST(QuatSlerp, FactorFormsMatchTheSingleCallsAndTheShorterWayMatchesEigen) {
                 ASSERT_TRUE(Near(got, ref, 4, 0.0)) << n << " t " << t;
                 if (t == 0.0 || t == 1.0) ASSERT_TRUE(Near(got, t == 0.0 ? q1 : b, 4, 0.0)) << n;
                 if (!longer && far)
-                    ASSERT_TRUE(Near(got, ToEigen(q1).slerp(t, ToEigen(q2)).coeffs().data(), 4,
-                                     8 * kEps)) << n << " t " << t;
+                    ASSERT_TRUE(
+                        Near(got, ToEigen(q1).slerp(t, ToEigen(q2)).coeffs().data(), 4, 8 * kEps))
+                        << n << " t " << t;
             }
             const bool neg = longer ? Dot4(q1, q2) > 0 : Dot4(q1, q2) < 0;
             ASSERT_TRUE(Near(a, q2, 4, 0.0, neg && !longer ? -1.0 : 1.0)) << n;
@@ -57,7 +60,6 @@ TEST(QuatSlerp, FactorFormsMatchTheSingleCallsAndTheShorterWayMatchesEigen) {
         EXPECT_EQ(out[3] == 0.75 - 0.8 * 0.25 && out[2] == -0.6 * 0.25, mode != 1) << int(mode);
     }
 }
-
 
 // The linear band starts where 1 - d (the longer way: 1 + d) reaches 0.001: spherical weights keep
 // the midpoint between the identity and (0, 0, sqrt(1 - d^2), d) at unit length, linear ones cut
@@ -98,6 +100,5 @@ TEST(QuatSlerpDir, GivesTheSenseOfTurnAboutTheAxis) {
         EXPECT_EQ(QZ_QuatSlerpDir(q1, q2, axis), angle < 0 ? -1 : 1) << n;
     }
 }
-
 
 }  // namespace

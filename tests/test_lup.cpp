@@ -68,5 +68,4 @@ TEST(MatLUP, MostNegativeCountReadsAndWritesNothing) {
     }
 }
 
-
 }  // namespace

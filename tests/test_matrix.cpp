@@ -17,7 +17,6 @@ std::vector<double> Strided(std::mt19937_64 &rng, int rows, int cols, int ld) {
     return v;
 }
 
-
 // clang-format off
 // B = A (rows x cols, row stride lda), transposed or copied.
 struct Move {

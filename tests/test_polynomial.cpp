@@ -42,7 +42,8 @@ std::vector<double> FromRoots(double lead, const std::vector<C> &roots) {
 double Match(const std::vector<C> &want, std::vector<C> got) {
     double worst = 0.0;
     for (C w : want) {
-        auto best = std::min_element(got.begin(), got.end(), [&](C x, C y) { return Rel(x, w) < Rel(y, w); });
+        auto best = std::min_element(got.begin(), got.end(),
+                                     [&](C x, C y) { return Rel(x, w) < Rel(y, w); });
         worst = std::max(worst, Rel(*best, w));
         got.erase(best);
     }
@@ -67,6 +68,7 @@ int Solve(int kind, const double *c, double *re, double *im) {
 // Thresholds: zero bands end inclusive, b/a beyond 1e10 drops the cubic term, exact zeros split
 // off a root at 0, a multiple real root is reported once by the real solvers.
 TEST(Roots, EveryBranchSatisfiesThePolynomialAndLeavesTheRestUnwritten) {
+    // clang-format off
     const struct { int kind; double c[5]; int n; double tol = 1e-9; } rows[] = {
         {2, {1, -3, 2}, 2}, {2, {-1, 3, -2}, 2}, {2, {1, 2, 1}, 1}, {2, {1, 0, 1}, 0},
         {2, {0, 2, -4}, 1}, {2, {0, 0, 5}, 0}, {2, {1e-15, 2, -4}, 1}, {2, {-1e-15, 1e-15, 1}, 0},
@@ -97,6 +99,7 @@ TEST(Roots, EveryBranchSatisfiesThePolynomialAndLeavesTheRestUnwritten) {
         if (n == deg && w.c[0] != 0) EXPECT_LT(Rel(sum, -w.c[1] / w.c[0]), 1e-9) << w.kind << " " << w.c[1];
     }
     double re[4], im[4];
+    // clang-format on
     // A pair 1 +- ti counts as real beside the roots +-1 only while t stays below 1/10000.
     for (double t : {5e-5, 2e-4}) {
         const auto p = FromRoots(1, {C(1, t), C(1, -t), 1.0, -1.0});
@@ -108,21 +111,25 @@ TEST(Roots, EveryBranchSatisfiesThePolynomialAndLeavesTheRestUnwritten) {
 
 // The smallest positive and the largest negative root; zero is neither, refusals write nothing.
 TEST(Roots, SelectorsPickTheRootNearestZeroOnEachSide) {
+    // clang-format off
     const struct { bool pos; double c[4]; int ok; double want; } rows[] = {
         {true, {1, -6, 11, -6}, 1, 1}, {false, {1, -6, 11, -6}, 0, kFill}, {false, {1, 0, -1, 0}, 1, -1},
         {true, {1, 0, -1, 0}, 1, 1}, {true, {1, 0, 0, 0}, 0, kFill}, {false, {1, 6, 11, 6}, 1, -1}};
+    // clang-format on
     for (const auto &w : rows) {
         double out = kFill;
         const double *c = w.c;
         EXPECT_EQ(w.pos ? QZ_CubicSolve_Min_Pos(c[0], c[1], c[2], c[3], &out)
-                        : QZ_CubicSolve_Max_Nag(c[0], c[1], c[2], c[3], &out), w.ok);
+                        : QZ_CubicSolve_Max_Nag(c[0], c[1], c[2], c[3], &out),
+                  w.ok);
         EXPECT_NEAR(out, w.want, 1e-14) << w.pos << " " << c[1];
     }
 }
 
 TEST(SolvePolynomialResult, EachLengthAndSignedZero) {
     const double p4[4] = {1, 2, 3, 4}, pz[2] = {-0.0, 5}, want[] = {0.0, 1.0, 5.0, 17.0, 49.0};
-    for (int n = 0; n <= 4; ++n) EXPECT_EQ(QZ_SolvePolynomialResult(n ? p4 : nullptr, 2, n), want[n]);
+    for (int n = 0; n <= 4; ++n)
+        EXPECT_EQ(QZ_SolvePolynomialResult(n ? p4 : nullptr, 2, n), want[n]);
     EXPECT_EQ(QZ_SolvePolynomialResult(nullptr, 2, -3), 0.0);  // nothing read for n <= 0
     EXPECT_TRUE(qztest::SameBits(QZ_SolvePolynomialResult(pz, -0.0, 2), -0.0));
 }
@@ -139,13 +146,15 @@ TEST(PeerCrossCheck, QuadraticCubicAndQuarticAgainstGsl) {
     for (int it = 0; it < 150000; ++it) {
         const bool near = it % 2;
         const int deg = it < 60000 ? 2 : it < 120000 ? 3 : 4;
-        const double x0 = u(-10, 10), x1 = near ? x0 * (1 + u(1e-9, 1e-6)) + u(1e-7, 1e-5) : u(-10, 10);
+        const double x0 = u(-10, 10),
+                     x1 = near ? x0 * (1 + u(1e-9, 1e-6)) + u(1e-7, 1e-5) : u(-10, 10);
         const C z(u(-5, 5), u(0.3, 5)), v(u(-5, 5), u(0.3, 5));
         std::vector<C> want = {x0, x1};
         if (deg == 3) want.push_back(u(-10, 10));
         if (deg == 3 && !near && it % 4 == 1) want = {x0, z, std::conj(z)};
-        if (deg == 4) want = it % 4 == 0 ? std::vector<C>{v, std::conj(v), z, std::conj(z)}
-                                         : std::vector<C>{x0 / 2, x1 / 2, z, std::conj(z)};
+        if (deg == 4)
+            want = it % 4 == 0 ? std::vector<C>{v, std::conj(v), z, std::conj(z)}
+                               : std::vector<C>{x0 / 2, x1 / 2, z, std::conj(z)};
         bool close = false;
         for (size_t i = 0; i < want.size(); ++i)
             for (size_t j = 0; j < i; ++j) close |= std::abs(want[i] - want[j]) < 0.3;
@@ -153,8 +162,12 @@ TEST(PeerCrossCheck, QuadraticCubicAndQuarticAgainstGsl) {
         const auto p = FromRoots(deg == 3 ? 1.0 : u(0.5, 3), want);  // GSL's cubic is monic
         double r[4], im[4], g[8] = {};
         int n, ng;
-        if (deg == 2) n = QZ_SqureSolve(p[0], p[1], p[2], r), ng = gsl_poly_solve_quadratic(p[0], p[1], p[2], g, g + 1);
-        else if (deg == 3) n = QZ_CubicSolve(p[0], p[1], p[2], p[3], r), ng = gsl_poly_solve_cubic(p[1], p[2], p[3], g, g + 1, g + 2);
+        if (deg == 2)
+            n = QZ_SqureSolve(p[0], p[1], p[2], r),
+            ng = gsl_poly_solve_quadratic(p[0], p[1], p[2], g, g + 1);
+        else if (deg == 3)
+            n = QZ_CubicSolve(p[0], p[1], p[2], p[3], r),
+            ng = gsl_poly_solve_cubic(p[1], p[2], p[3], g, g + 1, g + 2);
         else {
             const double asc[5] = {p[4], p[3], p[2], p[1], p[0]};
             ASSERT_EQ(gsl_poly_complex_solve(asc, 5, ws, g), GSL_SUCCESS);
@@ -173,7 +186,8 @@ TEST(PeerCrossCheck, QuadraticCubicAndQuarticAgainstGsl) {
         for (int k = 0; k < n; ++k) {
             mine.emplace_back(r[k], deg == 4 ? im[k] : 0.0);
             peer.emplace_back(deg == 4 ? C(g[2 * k], g[2 * k + 1]) : C(g[k], 0.0));
-            if (!near) ASSERT_LT(Residual(p.data(), deg, mine.back()), deg == 4 ? 1e-6 : 1e-9) << deg;
+            if (!near)
+                ASSERT_LT(Residual(p.data(), deg, mine.back()), deg == 4 ? 1e-6 : 1e-9) << deg;
         }
         if (deg == 3 && n == 3) ASSERT_GE(r[0], std::max(r[1], r[2]));  // the largest comes first
         worst[deg - 2][near] = std::max(worst[deg - 2][near], Match(peer, mine));
@@ -182,7 +196,8 @@ TEST(PeerCrossCheck, QuadraticCubicAndQuarticAgainstGsl) {
     EXPECT_EQ(mismatch, 0);
     const double tol[3][2] = {{1e-10, 1e-5}, {1e-9, 1e-3}, {1e-4, 1e-1}};
     for (int d = 0; d < 3; ++d)
-        for (int e = 0; e < 2; ++e) EXPECT_LT(worst[d][e], tol[d][e]) << "degree " << d + 2 << " near " << e;
+        for (int e = 0; e < 2; ++e)
+            EXPECT_LT(worst[d][e], tol[d][e]) << "degree " << d + 2 << " near " << e;
 }
 
 }  // namespace

@@ -20,7 +20,8 @@ double PenroseRatio(const Mat &A, const Mat &P, bool left) {
     return std::max({MaxAbs((left ? PA : AP) - Mat::Identity(6, 6)),
                      MaxAbs(A * P * A - A) / MaxAbs(A), MaxAbs(P * A * P - P) / MaxAbs(P),
                      MaxAbs(AP - AP.transpose()), MaxAbs(PA - PA.transpose()),
-                     MaxAbs(P - peer) / MaxAbs(peer)}) / unit;
+                     MaxAbs(P - peer) / MaxAbs(peer)}) /
+           unit;
 }
 
 }  // namespace
@@ -29,8 +30,10 @@ TEST(PseudoInverse, RandomFullRankJacobiansSatisfyPenroseMatchEigenAndWorkInPlac
     auto rng = Rng();
     for (int t = 0; t < 500; ++t) {
         const Mat A67 = RandomMat(rng, 6, 7) * std::pow(10.0, Uniform(rng, -3.0, 3.0));
+        // clang-format off
         const struct { Mat A; PsoInv f; bool left; } cases[] = {
             {A67, QZ_RightPsoInv67, false}, {A67.transpose(), QZ_LeftPsoInv76, true}};
+        // clang-format on
         for (const auto &c : cases) {
             Mat P(c.A.cols(), c.A.rows()), inPlace = c.A;
             ASSERT_EQ(c.f(c.A.data(), P.data()), 1);

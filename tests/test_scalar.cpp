@@ -18,15 +18,18 @@ const double kPi = 3.141592653589793, kTwo31 = 2147483648.0;
 
 // Both band ends count as zero, the next double beyond does not; NaN and infinities never do.
 TEST(Scalar, ZeroBandsIncludeTheirEndsOnly) {
+    // clang-format off
     const struct { double x; int z, zl; } rows[] = {
         {1e-16, 1, 1}, {-1e-16, 1, 1}, {-0.0, 1, 1}, {NextUp(1e-16), 0, 1}, {NextDown(-1e-16), 0, 1},
         {1e-15, 0, 1}, {-1e-15, 0, 1}, {NextUp(1e-15), 0, 0}, {NextDown(-1e-15), 0, 0},
         {kNaN, 0, 0},  {kInf, 0, 0},   {-kInf, 0, 0}};
+    // clang-format on
     for (const auto &r : rows) EXPECT_TRUE(QZ_IsZero(r.x) == r.z && QZ_IsZeroL(r.x) == r.zl) << r.x;
 }
 
 // Special values of the one-argument primitives, compared bit for bit (signed zeros, NaN).
 TEST(Scalar, SpecialValuesBitForBit) {
+    // clang-format off
     const struct { double (*f)(double); double x, want; } rows[] = {
         {QZ_Sqrt, -0.0, -0.0},       {QZ_Sqrt, -1.0, kNaN},         {QZ_3Root, 8.0, 2.0},
         {QZ_3Root, -8.0, kNaN},      {QZ_Fabs, -0.0, 0.0},          {QZ_Fabs, -kInf, kInf},
@@ -46,6 +49,7 @@ TEST(Scalar, SpecialValuesBitForBit) {
         {QZ_Floor, NextDown(kTwo31), kTwo31 - 1}, {QZ_Floor, kTwo31, kTwo31}, {QZ_Floor, kTwo31 + 0.5, kTwo31},
         {QZ_Floor, -kTwo31, -kTwo31}, {QZ_Floor, -kTwo31 - 0.5, -kTwo31 - 1},
         {QZ_Floor, -1e15 - 0.25, -1e15 - 1}, {QZ_Floor, 1e300, 1e300}, {QZ_Floor, -kInf, -kInf}};
+    // clang-format on
     for (const auto &r : rows) {
         const double got = r.f(r.x);
         EXPECT_TRUE(std::isnan(r.want) ? std::isnan(got) : SameBits(got, r.want)) << r.x;

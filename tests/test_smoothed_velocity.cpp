@@ -11,9 +11,11 @@ using qztest::SameBits;
 
 // Targets within stepMin are taken bit for bit (-0.0 included); the flag bands are open.
 TEST(SmoothedVelocity, ExactTargetsAndOpenFlagBands) {
+    // clang-format off
     const struct { double w; int zero, one; } cases[] = {
         {-0.0, 1, 0}, {1e-8, 0, 0}, {NextDown(1e-8), 1, 0}, {-1e-8, 0, 0}, {0.5, 0, 0},
         {1.0 - std::ldexp(1.0, -27), 0, 1}, {1.0 + std::ldexp(1.0, -26), 0, 0}};
+    // clang-format on
     for (const auto &c : cases) {
         QZSMVState s{};
         double v;

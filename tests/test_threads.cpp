@@ -28,7 +28,8 @@ Trace Work(int salt, int cycles) {
     };
     const double k = 1.0 + 0.25 * salt, alpha[8] = {0.1, 0.2, 0.3, 0.4, 0.5, 0.6, 0.7, 0.8};
     double vel[8], acc[8], jerk[8], t[8], o[8], o2[8], o3[8], y;
-    for (int i = 0; i < 8; ++i) vel[i] = (20.0 + 5.0 * i) * k, acc[i] = (100.0 + 30.0 * i) * k, jerk[i] = 5000.0 * k;
+    for (int i = 0; i < 8; ++i)
+        vel[i] = (20.0 + 5.0 * i) * k, acc[i] = (100.0 + 30.0 * i) * k, jerk[i] = 5000.0 * k;
     QZVDTState vdt{};
     QZNSyncDTSState ns{};
     QZVDTMState vm{};
@@ -49,7 +50,8 @@ Trace Work(int salt, int cycles) {
     QZAVGF_OnInit(&avg, 8, 17, 0.004);
     QZSMV_OnInit(&smv, 0.0, 0.01, 0.02, 0.002);
     for (int c = 0; c < cycles; ++c) {
-        for (int i = 0; i < 8; ++i) t[i] = 30.0 * QZ_SIN_ARC(0.01 * c * k + i) + (c % 500 < 250 ? 10.0 : -10.0);
+        for (int i = 0; i < 8; ++i)
+            t[i] = 30.0 * QZ_SIN_ARC(0.01 * c * k + i) + (c % 500 < 250 ? 10.0 : -10.0);
         QZVDT_OnDT(&vdt, t[0], &y), add(&y, 1);
         QZNSyncDTS_OnDT2(&ns, t, o, o2, o3), add(o, 8), add(o3, 8);
         QZVDT_OnDT_BM(&vm, t[1], &y), add(&y, 1);
@@ -66,9 +68,14 @@ Trace Work(int salt, int cycles) {
         }
         // The pure functions with loops and cached-looking constants.
         double roots[4], re[4], im[4], b = t[3] * 37.0;
-        const double pure[] = {static_cast<double>(QZ_CubicSolve(1.0, t[0], t[1], t[2], roots)), roots[0],
-                               static_cast<double>(QZ_Solve4OrderEq(1.0, t[0], t[1], t[2], t[3], re, im)),
-                               QZ_MinDif_Circle(t[4] * 1e6, &b), b, QZ_ACOS(t[5] / 40.0), QZ_Floor(t[6] * 1e3)};
+        const double pure[] = {
+            static_cast<double>(QZ_CubicSolve(1.0, t[0], t[1], t[2], roots)),
+            roots[0],
+            static_cast<double>(QZ_Solve4OrderEq(1.0, t[0], t[1], t[2], t[3], re, im)),
+            QZ_MinDif_Circle(t[4] * 1e6, &b),
+            b,
+            QZ_ACOS(t[5] / 40.0),
+            QZ_Floor(t[6] * 1e3)};
         add(pure, 7);
     }
     return tr;
@@ -83,8 +90,7 @@ TEST(Threads, TwoThreadsOnSeparateRecordsMatchTheirWorkDoneAlone) {
         Trace got[2];
         auto run = [&](int salt) {
             ready.fetch_add(1);
-            while (ready.load() < 2) {
-            }  // start together, so the calls overlap
+            while (ready.load() < 2) {}  // start together, so the calls overlap
             got[salt] = Work(salt, kCycles);
         };
         std::thread a(run, 0), b(run, 1);
@@ -123,8 +129,7 @@ TEST(Threads, GeneralizedEig7CallsMayOverlap) {
         Trace got[2];
         auto run = [&](int salt) {
             ready.fetch_add(1);
-            while (ready.load() < 2) {
-            }
+            while (ready.load() < 2) {}
             got[salt] = work(salt);
         };
         std::thread a(run, 0), b(run, 1);

@@ -35,9 +35,10 @@ QZVDTState Cruising() {
 }
 
 TEST(Tracker, InitClampsRefusesBeforeInitAndSnapsFirst) {
-    const double rows[][6] = {  // cycleMs, vel, acc -> dt, velLmt, accLmt
-        {4, 50, 100, 0.004, 50, 100}, {0.5, 0.05, 0.5, 0.001, 0.1, 1}, {1000, 300, 5000, 1, 200, 1000},
-        {2000, 200, 1000, 1, 200, 1000}, {4, NAN, NAN, 0.004, 200, 1000}, {-5, -1, -1, 0.001, 0.1, 1}};
+    const double rows[][6] = {// cycleMs, vel, acc -> dt, velLmt, accLmt
+                              {4, 50, 100, 0.004, 50, 100},    {0.5, 0.05, 0.5, 0.001, 0.1, 1},
+                              {1000, 300, 5000, 1, 200, 1000}, {2000, 200, 1000, 1, 200, 1000},
+                              {4, NAN, NAN, 0.004, 200, 1000}, {-5, -1, -1, 0.001, 0.1, 1}};
     for (const auto &r : rows) {
         const QZVDTState s = Fresh(r[0], r[1], r[2]);
         EXPECT_EQ(s.dt, r[3]) << r[0];
@@ -48,7 +49,8 @@ TEST(Tracker, InitClampsRefusesBeforeInitAndSnapsFirst) {
     z.pos = before.pos = 7.0;
     double out = -3.0;
     EXPECT_EQ(QZVDT_OnDT(&z, 1.0, &out) + QZVDT_OnEmpty(&z) + QZVDT_OnSetRunTimeLmt(&z, 10, 10) +
-                  QZVDT_OnSetRunTimeVel(&z, 10) + QZVDT_OnSetRunTimeAcc(&z, 10), 0);
+                  QZVDT_OnSetRunTimeVel(&z, 10) + QZVDT_OnSetRunTimeAcc(&z, 10),
+              0);
     EXPECT_EQ(out, -3.0);
     EXPECT_EQ(std::memcmp(&z, &before, sizeof z), 0);
     QZVDTState s = Fresh(4.0, 50.0, 100.0);
@@ -71,8 +73,10 @@ TEST(Tracker, RunTimeLimitsDeadBandAndPending) {
     const double dead[][2] = {{60.05, 100.09}, {60.05, -1}, {-1, 100.09}};
     for (const auto &d : dead) {
         const QZVDTState before = s;
-        EXPECT_EQ(d[0] < 0 ? QZVDT_OnSetRunTimeAcc(&s, d[1])
-                  : d[1] < 0 ? QZVDT_OnSetRunTimeVel(&s, d[0]) : QZVDT_OnSetRunTimeLmt(&s, d[0], d[1]), 1);
+        EXPECT_EQ(d[0] < 0   ? QZVDT_OnSetRunTimeAcc(&s, d[1])
+                  : d[1] < 0 ? QZVDT_OnSetRunTimeVel(&s, d[0])
+                             : QZVDT_OnSetRunTimeLmt(&s, d[0], d[1]),
+                  1);
         EXPECT_EQ(std::memcmp(&s, &before, sizeof s), 0) << d[0] << " " << d[1];
     }
     QZVDT_OnSetRunTimeLmt(&s, 60.05, 150.0);  // acceleration outside: the velocity rule too

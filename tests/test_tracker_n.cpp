@@ -45,9 +45,10 @@ TEST(TrackerN, LifecycleAndStepVariantsAgree) {
         if (k == 450)
             for (auto &r : s) ASSERT_EQ(QZNSyncDTS_OnEmpty(&r), 1);
         std::memcpy(pa, t, sizeof pa);
-        ASSERT_TRUE(QZNSyncDTS_OnDT(&s[0], t, p) && QZNSyncDTS_OnDT2(&s[1], t, p2, v2, a2) &&
-                    QZNSyncDTS_OnDT(&s[2], pa, pa) &&
-                    (k % 150 ? QZNSyncDTS_OnDT_NoChange(&s[3], pn) : QZNSyncDTS_OnDT(&s[3], t, pn)));
+        ASSERT_TRUE(
+            QZNSyncDTS_OnDT(&s[0], t, p) && QZNSyncDTS_OnDT2(&s[1], t, p2, v2, a2) &&
+            QZNSyncDTS_OnDT(&s[2], pa, pa) &&
+            (k % 150 ? QZNSyncDTS_OnDT_NoChange(&s[3], pn) : QZNSyncDTS_OnDT(&s[3], t, pn)));
         for (int i = 0; i < 7; ++i) {
             if (k == 0 || k == 450) ASSERT_TRUE(p[i] == t[i] && v2[i] == 0 && a2[i] == 0) << k;
             ASSERT_TRUE(SameBits(p[i], p2[i])) << "OnDT2, cycle " << k;

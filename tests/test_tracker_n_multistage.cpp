@@ -21,7 +21,8 @@ void RandomAxes(std::mt19937_64 &rng, double *v, double *a, double *j, double *t
 }
 
 TEST(TrackerNMultistage, InitClampsJerkInPlaceAndChoosesSpanByMode) {
-    const double v[8] = {10, 10, 10, 10, 10, 10, 10, 10}, a[8] = {100, 100, 100, 10, 100, 5000, 100, 100};
+    const double v[8] = {10, 10, 10, 10, 10, 10, 10, 10},
+                 a[8] = {100, 100, 100, 10, 100, 5000, 100, 100};
     double j[8] = {500, 5e7, 1000, 1000, 1e7, 2e4, NAN, qztest::NextUp(1e7)};
     const double clamped[8] = {1000, 1e7, 1000, 1000, 1e7, 2e4, NAN, 1e7};
     const int span[8] = {100, 5, 100, 10, 5, 100, 5, 5};
@@ -47,16 +48,20 @@ TEST(TrackerNMultistage, LifecycleAndReaders) {
     const double v[2] = {50, 20}, a[2] = {200, 100}, nv[2] = {90, 180}, na[2] = {10, 10};
     double j[2] = {5000, 5000}, t[2] = {3, -4}, p[2] = {9, 9}, vv[2], aa[2], tt[2];
     QZNSyncDTSMState s{};
-    EXPECT_EQ(QZNSyncDTS_OnDTM(&s, t, p) + QZNSyncDTS_OnEmptyM(&s) + QZNSyncDTS_OnSetRunTimeLmtM(&s, v, a) +
-                  QZNSyncDTS_OnGetCurPVA_UM(&s, p, vv, aa), 0);
+    EXPECT_EQ(QZNSyncDTS_OnDTM(&s, t, p) + QZNSyncDTS_OnEmptyM(&s) +
+                  QZNSyncDTS_OnSetRunTimeLmtM(&s, v, a) + QZNSyncDTS_OnGetCurPVA_UM(&s, p, vv, aa),
+              0);
     EXPECT_EQ(p[0], 9);
     ASSERT_EQ(QZNSyncDTS_OnInitM(&s, 2, 4.0, v, a, j, 1), 1);
     for (int round = 0; round < 2; ++round) {
-        EXPECT_TRUE(QZNSyncDTS_OnDT_UM(&s, p) == 0 && QZNSyncDTS_OnGetCurPVAM(&s, tt, p, vv, aa) == 0 &&
+        EXPECT_TRUE(QZNSyncDTS_OnDT_UM(&s, p) == 0 &&
+                    QZNSyncDTS_OnGetCurPVAM(&s, tt, p, vv, aa) == 0 &&
                     QZNSyncDTS_OnGetCurPVA_UM(&s, p, vv, aa) == 1);
-        ASSERT_TRUE(QZNSyncDTS_OnDTM(&s, t, p) == 1 && QZNSyncDTS_OnGetCurPVAM(&s, tt, p, vv, aa) == 1);
+        ASSERT_TRUE(QZNSyncDTS_OnDTM(&s, t, p) == 1 &&
+                    QZNSyncDTS_OnGetCurPVAM(&s, tt, p, vv, aa) == 1);
         for (int i = 0; i < 2; ++i)
-            EXPECT_TRUE(p[i] == t[i] && tt[i] == t[i] && s.rawPos[i] == t[i] && vv[i] == 0 && aa[i] == 0);
+            EXPECT_TRUE(p[i] == t[i] && tt[i] == t[i] && s.rawPos[i] == t[i] && vv[i] == 0 &&
+                        aa[i] == 0);
         for (int k = 0; k < 20; ++k) ASSERT_EQ(QZNSyncDTS_OnDT_UM(&s, p), 1);
         ASSERT_EQ(QZNSyncDTS_OnEmptyM(&s), 1);
         t[0] = 100;
@@ -108,7 +113,8 @@ TEST(TrackerNMultistage, ResummationTakesOneAxisPerCallInOrder) {
     }
     for (int call = 0; call < n; ++call) {
         ASSERT_EQ(call % 2 ? QZNSyncDTS_OnDT_UM(&s, p) : QZNSyncDTS_OnDTM(&s, t, p), 1);
-        for (int i = 0; i < n; ++i) EXPECT_EQ(s.resumCount[i], i <= call ? call - i : 1001 + call) << call;
+        for (int i = 0; i < n; ++i)
+            EXPECT_EQ(s.resumCount[i], i <= call ? call - i : 1001 + call) << call;
         EXPECT_TRUE(SameBits(s.avgSum[call], RingSum(s, call))) << call;
     }
     EXPECT_EQ(s.rawPos[n], 0.0);

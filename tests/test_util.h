@@ -40,8 +40,8 @@ inline std::uint64_t Bits(double x) {
 // Bit-for-bit equality, so that -0.0 != +0.0 and a NaN equals the same NaN.
 inline ::testing::AssertionResult SameBits(double a, double b) {
     if (Bits(a) == Bits(b)) return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure() << a << " (0x" << std::hex << Bits(a) << ") vs " << b
-                                         << " (0x" << Bits(b) << ")";
+    return ::testing::AssertionFailure()
+           << a << " (0x" << std::hex << Bits(a) << ") vs " << b << " (0x" << Bits(b) << ")";
 }
 
 inline double NextUp(double x) { return std::nextafter(x, INFINITY); }

@@ -18,8 +18,10 @@ struct FixedFamily {
     void (*sa)(const double *, double, const double *, double *);
 };
 #define FAMILY(N) FixedFamily{QZ_VectNorm##N, QZ_VectCpy##N, QZ_VectAdd##N, QZ_VectSA##N},
+// clang-format off
 const FixedFamily kFixed[9] = {
     {}, {}, FAMILY(2) FAMILY(3) FAMILY(4) FAMILY(5) FAMILY(6) FAMILY(7) FAMILY(8)};
+// clang-format on
 #undef FAMILY
 
 // Element-wise operations, out[i] = ref(a[i], b[i], s); fixed ones exist for n = 2..8 only.
@@ -32,11 +34,13 @@ struct Elementwise {
 #define OP(FIXED, CALL, REF)                                                                      \
     Elementwise{FIXED, [](const double *a, const double *b, double *o, int32_t n, double s) {    \
         CALL; }, [](double a, double b, double s) { return REF; }}
+// clang-format off
 const Elementwise kOps[] = {
     OP(true, kFixed[n].cpy(a, o), a),               OP(true, kFixed[n].add(a, b, o), a + b),
     OP(true, kFixed[n].sa(a, s, b, o), b * s + a),  OP(false, QZ_VectSub(a, n, b, o), a - b),
     OP(false, QZ_VectAddX(a, n, b, o), a + b),      OP(false, QZ_VectDotMult(a, n, b, o), a * b),
     OP(false, QZ_VectSAX(a, n, s, b, o), b * s + a), OP(false, QZ_VectScale(a, n, s, o), a * s)};
+// clang-format on
 // clang-format on
 #undef OP
 

@@ -51,14 +51,20 @@ void Scalars(Writer &w) {
     Unary(w, "QZ_3Root", Join({{8.0, -8.0, 27.0, 64.0, 1000.0, 0.125, 1e-300}, Around(1.0)}),
           Join({Randoms(150, 0, 1e6), Randoms(100, 0, 1), AnyBitsN(20)}));
 
-    w.comment("sines and cosines (libm sin): quadrant points, one ulp around them, large arguments");
-    Doubles arc = Join({Around(kHalfPi), Around(kPi), Around(-kHalfPi), Around(2 * kPi),
+    w.comment(
+        "sines and cosines (libm sin): quadrant points, one ulp around them, large arguments");
+    Doubles arc = Join({Around(kHalfPi),
+                        Around(kPi),
+                        Around(-kHalfPi),
+                        Around(2 * kPi),
                         {1e-8, 1e-300, 1e22, -1e22, 1e300, 0.5, 1.0, 3.0}});
     Doubles arcRandom = Join({Randoms(200, -10, 10), Randoms(40, -1e6, 1e6), AnyBitsN(20)});
     Unary(w, "QZ_SIN_ARC", arc, arcRandom);
     Unary(w, "QZ_COS_ARC", arc, arcRandom);
-    Doubles deg = Join({{0.0, 30.0, 45.0, 60.0, 90.0, 180.0, 270.0, 360.0, -90.0, -180.0, 720.0, 1e20},
-                        Around(180.0), Around(90.0)});
+    Doubles deg =
+        Join({{0.0, 30.0, 45.0, 60.0, 90.0, 180.0, 270.0, 360.0, -90.0, -180.0, 720.0, 1e20},
+              Around(180.0),
+              Around(90.0)});
     Doubles degRandom = Join({Randoms(150, -720, 720), AnyBitsN(10)});
     Unary(w, "QZ_SIN_DEG", deg, degRandom);
     Unary(w, "QZ_COS_DEG", deg, degRandom);
@@ -88,8 +94,13 @@ void Scalars(Writer &w) {
     w.comment("floor: halves, whole numbers, the 32-bit integer range and beyond, signed zero");
     Unary(w, "QZ_Floor",
           Join({{2.5, -2.5, -3.0, 3.0, 0.5, -0.5, 0.99999999999999989, -1e-300},
-                Around(1.0), Around(-1.0), Around(2147483648.0), Around(-2147483648.0),
-                Around(2147483647.0), Around(4503599627370496.0), Around(-4503599627370496.0),
+                Around(1.0),
+                Around(-1.0),
+                Around(2147483648.0),
+                Around(-2147483648.0),
+                Around(2147483647.0),
+                Around(4503599627370496.0),
+                Around(-4503599627370496.0),
                 {9007199254740993.0, 1e300}}),
           Join({Randoms(100, -1e10, 1e10), Randoms(50, -3, 3), AnyBitsN(30)}));
     Unary(w, "QZ_Value_Sig", {-1e-300, 1e-300, 5.0, -5.0}, AnyBitsN(10));
@@ -113,11 +124,12 @@ double SmallInt() { return std::floor(Uniform(-6, 7)); }
 
 void Polynomials(Writer &w) {
     w.comment("quadratic: the degenerate linear and constant cases, the discriminant band");
-    std::vector<Doubles> quad = {{1, -3, 2}, {-1, 3, -2}, {1, 2, 1}, {1, 0, 1}, {0, 2, -4},
-                                 {0, 0, 5}, {1e-15, 2, -4}, {Up(1e-15), 2, -4}, {-1e-15, 2, -4},
-                                 {0, 1e-15, 1}, {0, Up(1e-15), 1}, {1, 2, 1 - 2.5e-16},
-                                 {1, 2, Up(1.0)}, {1, 2, Down(1.0)}, {1, 0, -2.5e-16},
-                                 {1, 0, -Up(2.5e-16)}, {kNaN, 1, 1}, {1, kInf, 1}, {-0.0, -0.0, -0.0}};
+    std::vector<Doubles> quad = {
+        {1, -3, 2},      {-1, 3, -2},       {1, 2, 1},         {1, 0, 1},
+        {0, 2, -4},      {0, 0, 5},         {1e-15, 2, -4},    {Up(1e-15), 2, -4},
+        {-1e-15, 2, -4}, {0, 1e-15, 1},     {0, Up(1e-15), 1}, {1, 2, 1 - 2.5e-16},
+        {1, 2, Up(1.0)}, {1, 2, Down(1.0)}, {1, 0, -2.5e-16},  {1, 0, -Up(2.5e-16)},
+        {kNaN, 1, 1},    {1, kInf, 1},      {-0.0, -0.0, -0.0}};
     for (const Doubles &c : quad) w.pure("QZ_SqureSolve", "edge", c);
     for (int k = 0; k < 150; ++k) {
         Doubles c = FromRoots({SmallInt(), SmallInt()});
@@ -127,36 +139,38 @@ void Polynomials(Writer &w) {
 
     w.comment("cubics: each branch of Cardano, the degenerate leading coefficients, zero constant");
     std::vector<Doubles> cubic = {
-        {1, -6, 11, -6}, {1, 0, 0, -8}, {1, -3, 2, 0}, {1e-12, 1, -3, 2}, {1, 0, -1, 0},
-        {1, -3, 3, -1},  {1, 0, 0, 0},  {1, -4, 5, -2}, {1, -5, 8, -4},  {2, 0, -6, 4},
-        {1e-15, 1, -3, 2}, {Up(1e-15), 1, -3, 2}, {1, 1e10, 1, 1}, {1, Up(1e10), 1, 1},
-        {1, -1e10, 1, 1}, {1, -Up(1e10), 1, 1}, {1, -6, 11, 1e-15}, {1, -6, 11, Up(1e-15)},
-        {0, 0, 0, 1}, {0, 1, 0, 1}, {-1, 6, -11, 6}, {1, 0, 3, -4}, {kNaN, 1, 1, 1},
-        {1, kInf, 0, 1}, {1, 0, 0, -0.0}, {-0.0, 1, -3, 2}};
+        {1, -6, 11, -6},    {1, 0, 0, -8},          {1, -3, 2, 0},     {1e-12, 1, -3, 2},
+        {1, 0, -1, 0},      {1, -3, 3, -1},         {1, 0, 0, 0},      {1, -4, 5, -2},
+        {1, -5, 8, -4},     {2, 0, -6, 4},          {1e-15, 1, -3, 2}, {Up(1e-15), 1, -3, 2},
+        {1, 1e10, 1, 1},    {1, Up(1e10), 1, 1},    {1, -1e10, 1, 1},  {1, -Up(1e10), 1, 1},
+        {1, -6, 11, 1e-15}, {1, -6, 11, Up(1e-15)}, {0, 0, 0, 1},      {0, 1, 0, 1},
+        {-1, 6, -11, 6},    {1, 0, 3, -4},          {kNaN, 1, 1, 1},   {1, kInf, 0, 1},
+        {1, 0, 0, -0.0},    {-0.0, 1, -3, 2}};
     std::vector<Doubles> cubicRandom;
     for (int k = 0; k < 120; ++k) {
         cubicRandom.push_back(FromRoots({SmallInt(), SmallInt(), SmallInt()}));
         cubicRandom.push_back({Uniform(-5, 5), Uniform(-5, 5), Uniform(-5, 5), Uniform(-5, 5)});
     }
-    for (const char *fn : {"QZ_CubicSolve", "QZ_CubicSolve_Min_Pos", "QZ_CubicSolve_Max_Nag",
-                           "QZ_Solve3OrderEq"}) {
+    for (const char *fn :
+         {"QZ_CubicSolve", "QZ_CubicSolve_Min_Pos", "QZ_CubicSolve_Max_Nag", "QZ_Solve3OrderEq"}) {
         for (const Doubles &c : cubic) w.pure(fn, "edge", c);
         for (const Doubles &c : cubicRandom) w.pure(fn, "ordinary", c);
     }
 
     w.comment("complex quadratic: real pairs, zero and negative discriminants, a == 0");
-    std::vector<Doubles> quadc = {{1, 0, 1},  {1, -2, 1}, {1, -3, 2}, {-1, 3, -2}, {0, 2, -4},
-                                  {0, 0, 1},  {0, 1e-15, 1}, {0, Up(1e-15), 1}, {1e-15, 1, 1},
-                                  {Up(1e-15), 1, 1}, {2, 0, 0}, {1, -0.0, 0.0}, {kNaN, 0, 1}};
+    std::vector<Doubles> quadc = {
+        {1, 0, 1}, {1, -2, 1},     {1, -3, 2},        {-1, 3, -2},   {0, 2, -4},
+        {0, 0, 1}, {0, 1e-15, 1},  {0, Up(1e-15), 1}, {1e-15, 1, 1}, {Up(1e-15), 1, 1},
+        {2, 0, 0}, {1, -0.0, 0.0}, {kNaN, 0, 1}};
     for (const Doubles &c : quadc) w.pure("QZ_Solve2OrderEq", "edge", c);
     for (int k = 0; k < 150; ++k)
         w.pure("QZ_Solve2OrderEq", "ordinary", {Uniform(-5, 5), Uniform(-5, 5), Uniform(-5, 5)});
 
     w.comment("quartics by Ferrari: four real, pairs, the zero resolvent constant, a == 0, e == 0");
-    std::vector<Doubles> quart = {{1, -10, 35, -50, 24}, {1, 0, 0, 0, -1}, {2, 3, -4, 5, -6},
+    std::vector<Doubles> quart = {{1, -10, 35, -50, 24}, {1, 0, 0, 0, -1},   {2, 3, -4, 5, -6},
                                   {0, 1, -6, 11, -6},    {1, -6, 11, -6, 0}, {1, 0, 0, 0, 1},
-                                  {1, 0, 2, 0, 1},       {1, -4, 6, -4, 1}, {1, 0, -5, 0, 4},
-                                  {1e-300, 1, 1, 1, 1},  {1, 2, 3, 4, 5},   {kNaN, 1, 1, 1, 1},
+                                  {1, 0, 2, 0, 1},       {1, -4, 6, -4, 1},  {1, 0, -5, 0, 4},
+                                  {1e-300, 1, 1, 1, 1},  {1, 2, 3, 4, 5},    {kNaN, 1, 1, 1, 1},
                                   {1, 0, 0, 0, -0.0},    {-1, 0, 0, 0, 16}};
     std::vector<Doubles> quartRandom;
     for (int k = 0; k < 120; ++k) {
@@ -178,17 +192,19 @@ void Polynomials(Writer &w) {
         c.push_back(Uniform(-2, 2));
         w.pure("QZ_SolvePolynomialResult", "count", c, {n});
     }
-    w.pure("QZ_SolvePolynomialResult", "negative-zero", Join({{-0.0}, Doubles(15, 0.0), {-0.0}}), {1});
+    w.pure("QZ_SolvePolynomialResult", "negative-zero", Join({{-0.0}, Doubles(15, 0.0), {-0.0}}),
+           {1});
     w.pure("QZ_SolvePolynomialResult", "nan-x", Join({{1, 1}, Doubles(14, 0.0), {kNaN}}), {2});
     w.pure("QZ_SolvePolynomialResult", "inf-x", Join({{1, 1, 1}, Doubles(13, 0.0), {-kInf}}), {3});
 }
 
 void Geometry(Writer &w) {
     w.comment("triangle angle: straight, folded, impossible sides, degenerate sides");
-    std::vector<Doubles> tri = {{1, 1, 1}, {3, 4, 5}, {1, 1, 2}, {1, 1, 0}, {1, 1, 3}, {0, 1, 1},
-                                {1e-16, 1, 1}, {Up(1e-16), 1, 1}, {1, -1e-16, 1},
-                                {1, -Up(1e-16), 1}, {1, 1, Up(2.0)}, {1, 1, Down(2.0)},
-                                {-1, 1, 1}, {kNaN, 1, 1}, {1, 1, kNaN}, {1, 1, kInf}};
+    std::vector<Doubles> tri = {
+        {1, 1, 1},      {3, 4, 5},          {1, 1, 2},       {1, 1, 0},
+        {1, 1, 3},      {0, 1, 1},          {1e-16, 1, 1},   {Up(1e-16), 1, 1},
+        {1, -1e-16, 1}, {1, -Up(1e-16), 1}, {1, 1, Up(2.0)}, {1, 1, Down(2.0)},
+        {-1, 1, 1},     {kNaN, 1, 1},       {1, 1, kNaN},    {1, 1, kInf}};
     for (const Doubles &t : tri) w.pure("QZ_CalAngleCDEG", "edge", t);
     for (int k = 0; k < 150; ++k)
         w.pure("QZ_CalAngleCDEG", "ordinary", {Uniform(0, 10), Uniform(0, 10), Uniform(0, 20)});
@@ -206,21 +222,22 @@ void Geometry(Writer &w) {
 
     w.comment("shortest angular distance: the 180 tie, many turns, the 2^62 bound, non-finite");
     const double two62 = 4611686018427387904.0;
-    std::vector<Doubles> circ = {{10, 350}, {170, -170}, {0, 180}, {180, 0}, {45, 45},
-                                 {0, -180}, {0, Up(180.0)}, {0, Down(180.0)}, {0, Down(-180.0)},
-                                 {0, 1e10}, {0, -1e10}, {0, 1e15 + 0.5}, {0, two62},
-                                 {0, Up(two62)}, {0, Down(two62)}, {0, -two62}, {0, -Up(two62)},
-                                 {0, kInf}, {kInf, 0}, {kInf, kInf}, {kNaN, 0}, {0, kNaN},
-                                 {-0.0, 0.0}, {0.0, -0.0}, {-0.0, 360}, {1e300, -1e300}};
+    std::vector<Doubles> circ = {
+        {10, 350},      {170, -170},     {0, 180},         {180, 0},          {45, 45},
+        {0, -180},      {0, Up(180.0)},  {0, Down(180.0)}, {0, Down(-180.0)}, {0, 1e10},
+        {0, -1e10},     {0, 1e15 + 0.5}, {0, two62},       {0, Up(two62)},    {0, Down(two62)},
+        {0, -two62},    {0, -Up(two62)}, {0, kInf},        {kInf, 0},         {kInf, kInf},
+        {kNaN, 0},      {0, kNaN},       {-0.0, 0.0},      {0.0, -0.0},       {-0.0, 360},
+        {1e300, -1e300}};
     for (const Doubles &c : circ) w.pure("QZ_MinDif_Circle", "edge", {c[0]}, {}, {c[1]});
     for (int k = 0; k < 150; ++k)
         w.pure("QZ_MinDif_Circle", "ordinary", {Uniform(-720, 720)}, {}, {Uniform(-5000, 5000)});
 
     w.comment("one step towards a target: the half-step band edges and overshoot");
-    std::vector<Doubles> vt = {{10, 0, 1}, {0.5, 0, 1}, {-0.5, 0, 1}, {0.7, 0, 1}, {1.6, 0, 1},
-                               {Up(0.5), 0, 1}, {Down(-0.5), 0, 1}, {0, 0, 1}, {-0.0, 0, 1},
-                               {5, 5, 0}, {5, 4, 0}, {1, 0, -1}, {kNaN, 0, 1}, {1, kNaN, 1},
-                               {1, 0, kNaN}, {kInf, 0, 1}};
+    std::vector<Doubles> vt = {{10, 0, 1},   {0.5, 0, 1},     {-0.5, 0, 1},       {0.7, 0, 1},
+                               {1.6, 0, 1},  {Up(0.5), 0, 1}, {Down(-0.5), 0, 1}, {0, 0, 1},
+                               {-0.0, 0, 1}, {5, 5, 0},       {5, 4, 0},          {1, 0, -1},
+                               {kNaN, 0, 1}, {1, kNaN, 1},    {1, 0, kNaN},       {kInf, 0, 1}};
     for (const Doubles &c : vt) w.pure("ValueToTarget", "edge", {c[1], c[2]}, {}, {c[0]});
     for (int k = 0; k < 100; ++k)
         w.pure("ValueToTarget", "ordinary", {Uniform(-5, 5), Uniform(0, 2)}, {}, {Uniform(-5, 5)});

@@ -22,9 +22,14 @@ void Tracker(Writer &w) {
     w.op("QZVDT_OnSetRunTimeLmt", {10, 10});
     w.op("QZVDT_OnSetRunTimeVel", {10});
     w.op("QZVDT_OnSetRunTimeAcc", {10});
-    const Doubles inits[] = {{4, 0.05, 0.5}, {0.5, 300, 5000}, {2000, 50, 100},
-                             {Down(1.0), 0.1, 1}, {1000, Up(200.0), Down(1.0)},
-                             {1, kNaN, kNaN}, {-5, -1, -1}, {4, 50, 100}};
+    const Doubles inits[] = {{4, 0.05, 0.5},
+                             {0.5, 300, 5000},
+                             {2000, 50, 100},
+                             {Down(1.0), 0.1, 1},
+                             {1000, Up(200.0), Down(1.0)},
+                             {1, kNaN, kNaN},
+                             {-5, -1, -1},
+                             {4, 50, 100}};
     for (const Doubles &i : inits) {
         w.op("QZVDT_OnInit", i);
         w.state();
@@ -122,9 +127,12 @@ void TrackerN(Writer &w) {
     w.op("QZNSyncDTS_OnDT", {0, 0, 0});
     Doubles far = {100, -50, 3};
     for (int k = 0; k < 700; ++k) {
-        if (k % 7 == 3) w.op("QZNSyncDTS_OnDT2", far);
-        else if (k % 11 == 5) w.op("QZNSyncDTS_OnDT_NoChange");
-        else w.op("QZNSyncDTS_OnDT", far);
+        if (k % 7 == 3)
+            w.op("QZNSyncDTS_OnDT2", far);
+        else if (k % 11 == 5)
+            w.op("QZNSyncDTS_OnDT_NoChange");
+        else
+            w.op("QZNSyncDTS_OnDT", far);
         if (k % 50 == 0) w.op("QZNSyncDTS_OnGetCurPVA");
         if (k == 350) w.state();
     }
@@ -198,8 +206,11 @@ void EstimatorRun(Writer &w, int n, double cycleMs, int calls, int firstStamp) {
         if (t == next) {
             // arrival jitter: mostly on time, sometimes a little or much late or early, one gap
             double u = Uniform(0, 1);
-            int gap = u < 0.6 ? nominal : u < 0.75 ? nominal + 1 : u < 0.9 ? nominal - 1
-                                                  : u < 0.97 ? nominal + 3 : nominal * 3;
+            int gap = u < 0.6    ? nominal
+                      : u < 0.75 ? nominal + 1
+                      : u < 0.9  ? nominal - 1
+                      : u < 0.97 ? nominal + 3
+                                 : nominal * 3;
             if (t > calls / 2 && t < calls / 2 + nominal) gap = 60;  // beyond holdLimit
             if (gap < 1) gap = 1;
             next = t + gap;
@@ -233,13 +244,15 @@ void Estimator(Writer &w) {
     w.end();
     w.seq("QZNEstState", "init-variants");
     for (double c : {20.0, 4.0, 2.5, 0.1, kNaN, 1e12, -3.0}) {
-        w.op("QZOnInitEst", {c, 60, 60, 60, 60, 60, 60, 60, 60, 50, 50, 50, 50, 50, 50, 50, 50}, {8});
+        w.op("QZOnInitEst", {c, 60, 60, 60, 60, 60, 60, 60, 60, 50, 50, 50, 50, 50, 50, 50, 50},
+             {8});
         w.state();
         w.op("QZNEst_OnDT", {1, 2, 3, 4, 5, 6, 7, 8, 1, 1, 1, 1, 1, 1, 1, 1}, {17});
         w.op("QZNEst_OnDT", {2, 3, 4, 5, 6, 7, 8, 9, 59, 59, 59, 59, 59, 59, 59, 59}, {18});
     }
     for (int n : {0, 9, -2}) {
-        w.op("QZOnInitEst", {4, 60, 60, 60, 60, 60, 60, 60, 60, 50, 50, 50, 50, 50, 50, 50, 50}, {n});
+        w.op("QZOnInitEst", {4, 60, 60, 60, 60, 60, 60, 60, 60, 50, 50, 50, 50, 50, 50, 50, 50},
+             {n});
         w.op("QZNEst_OnDT", {1, 2, 3, 4, 5, 6, 7, 8}, {3});
         w.state();
     }
@@ -287,8 +300,9 @@ void Comparator(Writer &w) {
     for (int k = 0; k < 100; ++k) {
         Doubles d;
         for (int j = 0; j < 16; ++j) d.push_back(Uniform(-3, 3));
-        w.op(k % 3 == 0 ? "QZ_DCTRL_ErrorCompare" : k % 3 == 1 ? "QZ_DCTRL_ErrorCompare.first"
-                                                              : "QZ_DCTRL_ErrorCompare.second",
+        w.op(k % 3 == 0   ? "QZ_DCTRL_ErrorCompare"
+             : k % 3 == 1 ? "QZ_DCTRL_ErrorCompare.first"
+                          : "QZ_DCTRL_ErrorCompare.second",
              Doubles(d.begin(), d.begin() + (k % 3 == 0 ? 16 : 8)), {0},
              k % 3 == 0 ? Doubles{} : Doubles(d.begin() + 8, d.end()));
     }
@@ -326,8 +340,10 @@ void TrackerNM(Writer &w) {
     for (int k = 0; k < 2100; ++k) {
         if (k % 400 == 10) t[0] += Uniform(-30, 30);
         t[1] = 5 * std::sin(k * 0.004) + Uniform(-0.002, 0.002);
-        if (k % 13 == 7) w.op("QZNSyncDTS_OnDT_UM");
-        else w.op("QZNSyncDTS_OnDTM", t);
+        if (k % 13 == 7)
+            w.op("QZNSyncDTS_OnDT_UM");
+        else
+            w.op("QZNSyncDTS_OnDTM", t);
         if (k % 250 == 0) w.op("QZNSyncDTS_OnGetCurPVAM");
         if (k == 990 || (k >= 998 && k <= 1003)) w.state();
         if (k == 1500) w.op("QZNSyncDTS_OnSetRunTimeLmtM", {10, 80, 0, 0, 0, 0, 0, 0, 300, 300});
@@ -341,8 +357,10 @@ void TrackerNM(Writer &w) {
         for (int k = 0; k < 500; ++k) {
             if (k == 200) t3 = {40, -1, 0.5};  // a jump on axis 0 only
             if (k > 300) t3[2] += 0.002;
-            if (k % 5 == 0) w.op("QZNSyncDTS_OnDTM.same", {}, {}, t3);
-            else w.op("QZNSyncDTS_OnDTM", t3);
+            if (k % 5 == 0)
+                w.op("QZNSyncDTS_OnDTM.same", {}, {}, t3);
+            else
+                w.op("QZNSyncDTS_OnDTM", t3);
             if (k == 250) w.state();
         }
         w.op("QZNSyncDTS_OnEmptyM");

@@ -37,8 +37,10 @@ void Averaging(Writer &w) {
     for (int k = 0; k < 400; ++k) {
         Doubles x = {std::sin(k * 0.05) + Uniform(-0.01, 0.01), 1e6 + Uniform(-1, 1), k * 0.1};
         if (k == 200) w.op("QZAVGF_OnEmpty");
-        if (k % 9 == 4) w.op("QZAVGF_OnFilt.same", {}, {}, x);
-        else w.op("QZAVGF_OnFilt", x);
+        if (k % 9 == 4)
+            w.op("QZAVGF_OnFilt.same", {}, {}, x);
+        else
+            w.op("QZAVGF_OnFilt", x);
         if (k == 99) w.state();
     }
     w.end();
@@ -61,12 +63,12 @@ void Averaging(Writer &w) {
 
 void SmoothedVelocity(Writer &w) {
     w.seq("QZSMVState", "init-refusals");
-    const Doubles bad[] = {{0, 0, 0.1, 0.01},       {0, 1, 0.1, 0.01},
+    const Doubles bad[] = {{0, 0, 0.1, 0.01},          {0, 1, 0.1, 0.01},
                            {0, Down(1e-9), 0.1, 0.01}, {0, Up(0.9999999999), 0.1, 0.01},
-                           {0, 0.5, 1e-6, 1e-6},     {0, 0.5, 0.1, 0.2},
-                           {0, 0.5, 0.1, Up(0.1)},   {0, 0.5, 0.1, Down(1e-5)},
-                           {3, kNaN, 0.1, 0.01},     {4, 0.5, kNaN, kNaN},
-                           {5, 1e-9, 1e-5, 1e-5},    {6, 0.9999999999, 0.1, 0.1}};
+                           {0, 0.5, 1e-6, 1e-6},       {0, 0.5, 0.1, 0.2},
+                           {0, 0.5, 0.1, Up(0.1)},     {0, 0.5, 0.1, Down(1e-5)},
+                           {3, kNaN, 0.1, 0.01},       {4, 0.5, kNaN, kNaN},
+                           {5, 1e-9, 1e-5, 1e-5},      {6, 0.9999999999, 0.1, 0.1}};
     for (const Doubles &b : bad) {
         w.op("QZSMV_OnInit", b);
         w.state();
@@ -89,7 +91,9 @@ void SmoothedVelocity(Writer &w) {
     w.op("QZSMV_OnInit", {0.3, 0, 0, 0});
     for (int k = 0; k < 300; ++k) {
         double t = k % 50 < 25 ? Uniform(-0.2, 1.2) : (k % 2 ? 1.0 : 0.0);
-        w.op(k % 3 == 0 ? "QZSMV_OnUpdateV" : k % 3 == 1 ? "QZSMV_OnUpdateVZO" : "QZSMV_OnUpdateZO",
+        w.op(k % 3 == 0   ? "QZSMV_OnUpdateV"
+             : k % 3 == 1 ? "QZSMV_OnUpdateVZO"
+                          : "QZSMV_OnUpdateZO",
              {t});
     }
     w.op("QZSMV_OnUpdateVZO", {kNaN});

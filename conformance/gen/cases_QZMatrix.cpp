@@ -66,7 +66,7 @@ Doubles RandomRotation() {
 }
 Doubles Transform(const Doubles &r9, const Doubles &p) {
     return {r9[0], r9[1], r9[2], p[0], r9[3], r9[4], r9[5], p[1],
-            r9[6], r9[7], r9[8], p[2], 0.0, 0.0, 0.0, 1.0};
+            r9[6], r9[7], r9[8], p[2], 0.0,   0.0,   0.0,   1.0};
 }
 Doubles RandomTransform() { return Transform(RandomRotation(), Randoms(3, -2, 2)); }
 
@@ -86,7 +86,8 @@ void Vectors(Writer &w) {
         }
         // a length whose square root lands on the guard: n equal elements of 1e-16 / sqrt(n)
         for (int k = -1; k <= 1; ++k)
-            w.pure(norm.c_str(), "guard-spread", {}, {}, Filled(n, Ulps(1e-16 / std::sqrt((double)n), k)));
+            w.pure(norm.c_str(), "guard-spread", {}, {},
+                   Filled(n, Ulps(1e-16 / std::sqrt((double)n), k)));
         for (int k = 0; k < 3; ++k) w.pure(norm.c_str(), "special", {}, {}, SpecialMix(n, k * 5));
         w.pure(norm.c_str(), "overflow", {}, {}, Filled(n, 1e200));
         Doubles bits = {-0.0};
@@ -111,7 +112,8 @@ void Vectors(Writer &w) {
     w.comment("counted vectors: n from -1 to 8, aliased outputs, the unit-scale copy");
     const int counts[] = {-1, 0, 1, 3, 5, 8};
     for (int n : counts) {
-        for (const char *fn : {"QZ_VectSub", "QZ_VectAddX", "QZ_VectDotMult", "QZ_VectDot", "QZ_VectAngle"})
+        for (const char *fn :
+             {"QZ_VectSub", "QZ_VectAddX", "QZ_VectDotMult", "QZ_VectDot", "QZ_VectAngle"})
             w.pure(fn, "ordinary", Randoms(16), {n});
         w.pure("QZ_VectSAX", "ordinary", Randoms(17), {n});
         w.pure("QZ_VectScale", "ordinary", Randoms(9), {n});
@@ -133,7 +135,8 @@ void Vectors(Writer &w) {
     w.pure("QZ_VectLength", "special", SpecialMix(8, 4), {8});
     // the unit scale: s - 1 within 1e-16 copies, beyond it multiplies
     for (double s : Join({Around(1.0), {Ulps(1.0, 2), Ulps(1.0, -2), -0.0}}))
-        w.pure("QZ_VectScale", "unit-scale", Join({Doubles{kNaN, -0.0, 3.0, FromBits(1), 1e308}, Filled(3, 0.1), {s}}), {8});
+        w.pure("QZ_VectScale", "unit-scale",
+               Join({Doubles{kNaN, -0.0, 3.0, FromBits(1), 1e308}, Filled(3, 0.1), {s}}), {8});
     // the length guard of QZ_VectNorm and QZ_VectAngle, and VectNormalized's 1e-6 floor
     for (double len : Join({Around(1e-16), Around(1e-6), {0.0}})) {
         Doubles v(8, 0.0);
@@ -207,13 +210,28 @@ void Matrices(Writer &w) {
     }
 
     w.comment("single shapes: sums from 0.0 (a lone -0.0 product gives +0.0) or from k = 0");
-    struct Shape { const char *fn; int nd; };
-    const Shape shapes[] = {{"QZ_MatrixMult6777", 91}, {"QZ_MatrixMult6776", 84}, {"QZ_MMM44", 32},
-                            {"QZ_MatrixMult3m4", 25},  {"QZ_MatrixSub67", 84},    {"QZ_MmultDiagM66", 42},
-                            {"QZ_Mat67Transpose", 42}, {"Mat4433Transpose", 16},  {"MatTr33", 9},
-                            {"MatTr44", 16},           {"QZ_MatrixMultVect3", 12}, {"QZ_MatrixMultVect4", 20},
-                            {"QZ_MatrixMultVect6", 42}, {"QZ_MatrixMultVect7", 56}, {"QZ_Matrix67MultVect7", 49},
-                            {"QZ_Matrix76MultVect6", 48}, {"QZ_MVmult43", 19},    {"QZ_VMmult1666", 42},
+    struct Shape {
+        const char *fn;
+        int nd;
+    };
+    const Shape shapes[] = {{"QZ_MatrixMult6777", 91},
+                            {"QZ_MatrixMult6776", 84},
+                            {"QZ_MMM44", 32},
+                            {"QZ_MatrixMult3m4", 25},
+                            {"QZ_MatrixSub67", 84},
+                            {"QZ_MmultDiagM66", 42},
+                            {"QZ_Mat67Transpose", 42},
+                            {"Mat4433Transpose", 16},
+                            {"MatTr33", 9},
+                            {"MatTr44", 16},
+                            {"QZ_MatrixMultVect3", 12},
+                            {"QZ_MatrixMultVect4", 20},
+                            {"QZ_MatrixMultVect6", 42},
+                            {"QZ_MatrixMultVect7", 56},
+                            {"QZ_Matrix67MultVect7", 49},
+                            {"QZ_Matrix76MultVect6", 48},
+                            {"QZ_MVmult43", 19},
+                            {"QZ_VMmult1666", 42},
                             {"QZ_VMmult1777", 56}};
     for (const Shape &sh : shapes) {
         for (int k = 0; k < 4; ++k) w.pure(sh.fn, "ordinary", Randoms(sh.nd));
@@ -229,9 +247,9 @@ void Matrices(Writer &w) {
     }
 
     w.comment("row-pointer matrices: shapes up to 8 by 8, empty and negative counts, aliasing");
-    const int dims[][3] = {{1, 1, 1}, {2, 3, 4}, {3, 2, 5}, {4, 4, 4}, {8, 8, 8}, {7, 6, 1},
-                           {1, 8, 8}, {0, 3, 3},  {3, 0, 3}, {3, 3, 0}, {-1, 3, 3}, {3, -2, 3},
-                           {2, 3, -1}};
+    const int dims[][3] = {{1, 1, 1},  {2, 3, 4},  {3, 2, 5}, {4, 4, 4}, {8, 8, 8},
+                           {7, 6, 1},  {1, 8, 8},  {0, 3, 3}, {3, 0, 3}, {3, 3, 0},
+                           {-1, 3, 3}, {3, -2, 3}, {2, 3, -1}};
     for (const auto &d : dims) {
         int r = d[0], c = d[1], p = d[2];
         w.pure("QZ_MatrixAddX", "shape", Randoms(128), {r, c});
@@ -241,7 +259,8 @@ void Matrices(Writer &w) {
         w.pure("QZ_MatrixMultXmX", "shape", Randoms(128), {r, c, p});
         w.pure("QZ_MatrixMultVectX", "shape", Randoms(72), {r, c});
     }
-    w.pure("QZ_MatrixMultXmX", "signed-zeros", Join({Filled(64, -0.0), Filled(64, 1.0)}), {3, 1, 3});
+    w.pure("QZ_MatrixMultXmX", "signed-zeros", Join({Filled(64, -0.0), Filled(64, 1.0)}),
+           {3, 1, 3});
     w.pure("QZ_MatrixMultVectX", "signed-zeros", Join({Filled(64, -0.0), Filled(8, 1.0)}), {4, 2});
     w.pure("QZ_MatrixAddX", "special", SpecialMix(128, 5), {8, 8});
 }
@@ -269,7 +288,12 @@ void Inverses(Writer &w) {
             m2[0] = p;  // the first column's largest value at the bound
             w.pure(fn.c_str(), "pivot-bound", m2);
         }
-        w.pure(fn.c_str(), "signed-zeros", [&] { Doubles m = Identity(n, n); for (double &x : m) if (x == 0) x = -0.0; return m; }());
+        w.pure(fn.c_str(), "signed-zeros", [&] {
+            Doubles m = Identity(n, n);
+            for (double &x : m)
+                if (x == 0) x = -0.0;
+            return m;
+        }());
         w.pure(fn.c_str(), "special", SpecialMix(nn, n));
     }
     for (int k = 0; k < 5; ++k) w.pure("QZ_PGMatrixInv", "rigid", RandomTransform());
@@ -284,7 +308,7 @@ void Inverses(Writer &w) {
     w.pure("QZ_MatrixDeterminant", "special", SpecialMix(64, 7), {3});
 
     w.comment("LUP: shapes, long rows (exchanged in blocks), the 1e-16 pivot bound");
-    const int shapes[][2] = {{1, 1}, {3, 3}, {4, 6}, {6, 4}, {8, 8}, {1, 5}, {5, 1}, {11, 11},
+    const int shapes[][2] = {{1, 1},  {3, 3},  {4, 6},  {6, 4}, {8, 8}, {1, 5},  {5, 1}, {11, 11},
                              {2, 64}, {3, 40}, {16, 8}, {0, 3}, {3, 0}, {-1, 3}, {3, -1}};
     for (const auto &s : shapes)
         for (int k = 0; k < 2; ++k) w.pure("QZ_MatLUPD", "shape", {}, {s[0], s[1]}, Randoms(128));
@@ -334,8 +358,10 @@ void Inverses(Writer &w) {
         for (int k = 0; k < 2; ++k) w.pure(same.c_str(), "aliased", {}, {}, Randoms(42, -1, 1));
         Doubles def = Randoms(42, -1, 1);
         // A 7x6 with two equal columns / a 6x7 with two equal rows
-        if (std::string(fn) == "QZ_LeftPsoInv76") for (int i = 0; i < 7; ++i) def[i * 6 + 5] = def[i * 6];
-        else for (int j = 0; j < 7; ++j) def[35 + j] = def[j];
+        if (std::string(fn) == "QZ_LeftPsoInv76")
+            for (int i = 0; i < 7; ++i) def[i * 6 + 5] = def[i * 6];
+        else
+            for (int j = 0; j < 7; ++j) def[35 + j] = def[j];
         w.pure(fn, "rank-deficient", def);
         w.pure(same.c_str(), "rank-deficient", {}, {}, def);
         for (double s : {1e-8, 1e-9, 1e-7}) {
@@ -353,7 +379,11 @@ Register inverses("QZMatrix_inverse", Inverses);
 
 void Decompositions(Writer &w) {
     w.comment("Cholesky: n from -1 past the storage, positive definite, semi-definite, indefinite");
-    struct Ch { const char *fn; const char *same; int stride; };
+    struct Ch {
+        const char *fn;
+        const char *same;
+        int stride;
+    };
     for (const Ch &c : {Ch{"Cholesky", "Cholesky.same", 6}, Ch{"Cholesky7", "Cholesky7.same", 7}}) {
         int cap = c.stride * c.stride;
         for (int n = -1; n <= c.stride + 1; ++n) {
@@ -420,7 +450,10 @@ void Decompositions(Writer &w) {
     w.pure("eig7", "eps-zero", {0.0}, {}, Symmetric(7, -3, 3));
 
     w.comment("generalized eigenproblem: positive definite B, indefinite B, failing eig");
-    struct Ge { const char *fn; int n; };
+    struct Ge {
+        const char *fn;
+        int n;
+    };
     for (const Ge &g : {Ge{"generalized_eig", 6}, Ge{"generalized_eig7", 7}}) {
         int nn = g.n * g.n;
         for (int k = 0; k < 4; ++k)
@@ -447,7 +480,10 @@ Register decompositions("QZMatrix_decomposition", Decompositions);
 
 void Euler(Writer &w) {
     w.comment("elementary rotations: quadrant angles, signed zeros, specials");
-    Doubles angles = Join({Around(kHalfPi), Around(kPi), Around(-kHalfPi), {0.0, -0.0, 1e-300, 0.5, -2.0},
+    Doubles angles = Join({Around(kHalfPi),
+                           Around(kPi),
+                           Around(-kHalfPi),
+                           {0.0, -0.0, 1e-300, 0.5, -2.0},
                            Randoms(10, -7, 7)});
     for (const char *fn : {"QZ_RotXARC", "QZ_RotYARC", "QZ_RotZARC"}) {
         for (double a : angles) w.pure(fn, "angle", {a});
@@ -498,7 +534,8 @@ void Euler(Writer &w) {
         w.pure("QZ_Matrix2XYZABC4ARC_XYZ", "ordinary", t);
         w.pure("QZ_Matrix2XYZABC4DEG_XYZ", "ordinary", t);
     }
-    for (double b : Join({Around(kHalfPi), Around(-kHalfPi), {Ulps(kHalfPi, -3), Ulps(-kHalfPi, 3)}})) {
+    for (double b :
+         Join({Around(kHalfPi), Around(-kHalfPi), {Ulps(kHalfPi, -3), Ulps(-kHalfPi, 3)}})) {
         double abc[3] = {0.4, b, -0.9}, r[9];
         QZ_ABC2Matrix3ARC(abc, r);
         Doubles rr(r, r + 9);
@@ -557,7 +594,8 @@ Register euler("QZMatrix_euler", Euler);
 void Frames(Writer &w) {
     w.comment("DH link transforms, skew and L operators");
     for (int k = 0; k < 10; ++k)
-        w.pure("QZ_DH2Matrix", "ordinary", {Uniform(-kPi, kPi), Uniform(-1, 1), Uniform(-1, 1), Uniform(-kPi, kPi)});
+        w.pure("QZ_DH2Matrix", "ordinary",
+               {Uniform(-kPi, kPi), Uniform(-1, 1), Uniform(-1, 1), Uniform(-kPi, kPi)});
     w.pure("QZ_DH2Matrix", "zero", {0.0, 0.0, 0.0, 0.0});
     w.pure("QZ_DH2Matrix", "signed-zeros", {-0.0, -0.0, -0.0, -0.0});
     w.pure("QZ_DH2Matrix", "quadrant", {kHalfPi, 0.5, 0.25, -kHalfPi});
@@ -573,22 +611,26 @@ void Frames(Writer &w) {
     w.pure("QZ_LineCross", "meeting", {0, 0, 0, 1, 1, 0}, {}, {1, 0, 0, 0, 1, 0});
     w.pure("QZ_LineCross", "meeting-unnormalised", {0, 0, 0, 2, 3, 0}, {}, {5, 0, 0, 0, -7, 0});
     for (double a : {3e-4, 2.5e-4, 2e-4, 1.5e-4, 1e-4, 1e-6, 0.0}) {
-        w.pure("QZ_LineCross", "near-parallel", {0, 0, 0, 0, 1, 0}, {}, {1, 0, 0, std::cos(a), std::sin(a), 0});
+        w.pure("QZ_LineCross", "near-parallel", {0, 0, 0, 0, 1, 0}, {},
+               {1, 0, 0, std::cos(a), std::sin(a), 0});
     }
     for (double a : {1e-7, 2e-8, 1.2e-8, 1e-8, 8e-9, 1e-9, 0.0}) {
-        w.pure("QZ_LineCross", "near-opposite", {0, 0, 0, 0, 1, 0}, {}, {1, 0, 0, -std::cos(a), std::sin(a), 0});
+        w.pure("QZ_LineCross", "near-opposite", {0, 0, 0, 0, 1, 0}, {},
+               {1, 0, 0, -std::cos(a), std::sin(a), 0});
     }
     w.pure("QZ_LineCross", "zero-direction", {0, 0, 0, 1, 1, 1}, {}, {0, 0, 0, 0, 1, 0});
     w.pure("QZ_LineCross", "zero-direction", {0, 0, 0, 1, 1, 1}, {}, {0, 1, 0, 0, 0, 0});
     w.pure("QZ_LineCross", "nan", {kNaN, 0, 0, 1, 1, 1}, {}, {1, 0, 0, 0, 1, 0});
 
     w.comment("v + m x over row pointers: n and cols from -1, aliased output");
-    const int dims[][2] = {{-1, 3}, {0, 3}, {3, 0}, {3, -1}, {1, 1}, {3, 3}, {6, 7}, {8, 8}, {7, 6}};
+    const int dims[][2] = {{-1, 3}, {0, 3}, {3, 0}, {3, -1}, {1, 1},
+                           {3, 3},  {6, 7}, {8, 8}, {7, 6}};
     for (const auto &d : dims) {
         w.pure("QZ_VectAddMV", "shape", Randoms(80), {d[0], d[1]});
         w.pure("QZ_VectAddMV.OutisV", "shape", Randoms(72), {d[0], d[1]}, Randoms(8));
     }
-    w.pure("QZ_VectAddMV", "signed-zeros", Join({Filled(8, -0.0), Filled(64, -0.0), Filled(8, 1.0)}), {3, 3});
+    w.pure("QZ_VectAddMV", "signed-zeros",
+           Join({Filled(8, -0.0), Filled(64, -0.0), Filled(8, 1.0)}), {3, 3});
 
     w.comment("Jacobian frame transforms, in place where allowed");
     for (int k = 0; k < 5; ++k) {

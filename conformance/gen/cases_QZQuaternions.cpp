@@ -51,7 +51,7 @@ Doubles HalfTurn(double x, double y, double z) {
 }
 Doubles Transform(const Doubles &r9, const Doubles &p) {
     return {r9[0], r9[1], r9[2], p[0], r9[3], r9[4], r9[5], p[1],
-            r9[6], r9[7], r9[8], p[2], 0.0, 0.0, 0.0, 1.0};
+            r9[6], r9[7], r9[8], p[2], 0.0,   0.0,   0.0,   1.0};
 }
 
 void Algebra(Writer &w) {
@@ -83,7 +83,8 @@ void Algebra(Writer &w) {
             w.pure("QZ_QuaternionInverse.same", "guard", {}, {}, v);
         }
     }
-    for (const Doubles &q : {Doubles{kNaN, 0, 0, 1}, Doubles{kInf, 0, 0, 1}, Doubles{-0.0, 0.0, -0.0, -0.0}, Doubles{1e200, 1e200, 0, 0}}) {
+    for (const Doubles &q : {Doubles{kNaN, 0, 0, 1}, Doubles{kInf, 0, 0, 1},
+                             Doubles{-0.0, 0.0, -0.0, -0.0}, Doubles{1e200, 1e200, 0, 0}}) {
         w.pure("QZ_QuaternionNorm", "special", {}, {}, q);
         w.pure("QZ_QuaternionSqrtNorm", "special", q);
         w.pure("QZ_QuaternionConjugate", "special", q);
@@ -103,7 +104,8 @@ void Algebra(Writer &w) {
             for (const char *fn : {"QZ_QuaternionAngleDeg", "QZ_QuaternionAngleArc"})
                 w.pure(fn, "clamp", Join({kIdentityQ, q2}));
         }
-    for (const Doubles &q2 : {kIdentityQ, Doubles{-0.0, -0.0, -0.0, -1.0}, Doubles{1, 0, 0, 0}, WithDot(0.0), Doubles{kNaN, 0, 0, 1}})
+    for (const Doubles &q2 : {kIdentityQ, Doubles{-0.0, -0.0, -0.0, -1.0}, Doubles{1, 0, 0, 0},
+                              WithDot(0.0), Doubles{kNaN, 0, 0, 1}})
         for (const char *fn : {"QZ_QuaternionAngleDeg", "QZ_QuaternionAngleArc"})
             w.pure(fn, "edge", Join({kIdentityQ, q2}));
 }
@@ -111,7 +113,8 @@ Register algebra("QZQuaternions_algebra", Algebra);
 
 void Conversions(Writer &w) {
     w.comment("matrix to quaternion: each of the four forms, their ties, half turns");
-    Doubles axes[] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 1, 0}, {0, 1, 1}, {1, 0, 1}, {1, 1, 1}, {1, -1, 0.5}};
+    Doubles axes[] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 1, 0},
+                      {0, 1, 1}, {1, 0, 1}, {1, 1, 1}, {1, -1, 0.5}};
     for (int k = 0; k < 12; ++k) {
         Doubles r = Rotation(Randoms(3, -2, 2));
         w.pure("QZ_Matrix2Quaternion3", "ordinary", r);
@@ -126,8 +129,9 @@ void Conversions(Writer &w) {
         w.pure("QZ_Matrix2PosQuat", "half-turn", Transform(h, {1, 2, 3}));
     }
     // the trace at 0 and one step either side; diagonal ties between the axis forms
-    const Doubles diag[] = {{0, 0, 0}, {FromBits(1), 0, 0}, {-FromBits(1), 0, 0}, {1, 1, -1},
-                            {-1, -1, -1}, {0.5, 0.5, -1}, {-1, 0.5, 0.5}, {-0.0, -0.0, -0.0}};
+    const Doubles diag[] = {{0, 0, 0},      {FromBits(1), 0, 0}, {-FromBits(1), 0, 0},
+                            {1, 1, -1},     {-1, -1, -1},        {0.5, 0.5, -1},
+                            {-1, 0.5, 0.5}, {-0.0, -0.0, -0.0}};
     for (const Doubles &d : diag)
         w.pure("QZ_Matrix2Quaternion3", "form-boundary", {d[0], 0, 0, 0, d[1], 0, 0, 0, d[2]});
     w.pure("QZ_Matrix2Quaternion3", "permutation", {0, 0, 1, 1, 0, 0, 0, 1, 0});
@@ -153,7 +157,8 @@ void Conversions(Writer &w) {
 
     w.comment("XYZABC (degrees) to position and quaternion, in place");
     for (int k = 0; k < 10; ++k)
-        w.pure("QZ_XYZABC2XYZQ", "ordinary", {}, {}, Join({Randoms(3, -2, 2), Randoms(3, -180, 180), {AnyBits(), AnyBits()}}));
+        w.pure("QZ_XYZABC2XYZQ", "ordinary", {}, {},
+               Join({Randoms(3, -2, 2), Randoms(3, -180, 180), {AnyBits(), AnyBits()}}));
     for (double b : {90.0, -90.0, 180.0, 0.0, -0.0})
         w.pure("QZ_XYZABC2XYZQ", "quadrant", {}, {}, {1, 2, 3, 30, b, -45, 0, 0});
     w.pure("QZ_XYZABC2XYZQ", "half-turns", {}, {}, {0, 0, 0, 180, 0, 180, 0, 0});
@@ -181,7 +186,8 @@ void Interpolation(Writer &w) {
                 w.pure("QZ_QuatSlerpL", "band", Join({kIdentityQ, q2, {t}}));
             }
         }
-    for (const Doubles &q2 : {kIdentityQ, Doubles{-0.0, -0.0, -0.0, -1.0}, Doubles{1, 0, 0, -0.0}, Doubles{1, 0, 0, 0}})
+    for (const Doubles &q2 :
+         {kIdentityQ, Doubles{-0.0, -0.0, -0.0, -1.0}, Doubles{1, 0, 0, -0.0}, Doubles{1, 0, 0, 0}})
         for (double t : kTs) {
             w.pure("QZ_QuatSlerp", "edge", Join({kIdentityQ, {t}}), {}, q2);
             w.pure("QZ_QuatSlerpL", "edge", Join({kIdentityQ, q2, {t}}));
@@ -189,7 +195,10 @@ void Interpolation(Writer &w) {
     w.pure("QZ_QuatSlerp", "nan", Join({kIdentityQ, {0.5}}), {}, {kNaN, 0, 0, 1});
 
     w.comment("cached slerp: sequences over t, the sign choice on q2, re-initialisation");
-    struct Pair { const char *label; Doubles q1, q2; };
+    struct Pair {
+        const char *label;
+        Doubles q1, q2;
+    };
     const Pair pairs[] = {{"random", UnitQuat(), UnitQuat()},
                           {"negated", kIdentityQ, {-0.6, 0.0, 0.0, -0.8}},
                           {"band-inside", kIdentityQ, WithDot(Ulps(0.999, 2))},
@@ -264,14 +273,17 @@ void AxisAngle(Writer &w) {
     w.pure("axis_angle_to_rotmat", "nan", {kNaN, 0, 0});
     // a trace whose (trace - 1) / 2 is exactly at and around cos(1e-10) cannot be reached by a
     // rotation; these near-identity matrices put the trace one step below 3 instead
-    for (int k = 1; k <= 3; ++k) w.pure("rotmat_to_axis_angle", "near-identity", {Ulps(1.0, -k), 1e-9, 0, -1e-9, 1, 0, 0, 0, 1});
+    for (int k = 1; k <= 3; ++k)
+        w.pure("rotmat_to_axis_angle", "near-identity",
+               {Ulps(1.0, -k), 1e-9, 0, -1e-9, 1, 0, 0, 0, 1});
     for (int k = -3; k <= 3; ++k) {
         double a = Ulps(kPi - 1e-5, k);
         w.pure("rotmat_to_axis_angle", "half-turn-band", Rotation({a * 0.48, a * -0.6, a * 0.64}));
     }
     for (double a : {kPi - 1e-4, kPi - 2e-5, kPi - 1e-6, kPi})
         w.pure("rotmat_to_axis_angle", "near-half-turn", Rotation({0, a * 0.6, -a * 0.8}));
-    const Doubles axes[] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 1, 0}, {0, 1, 1}, {1, 1, 1}, {-1, 1, 0}, {1, -2, 0.5}};
+    const Doubles axes[] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1},  {1, 1, 0},
+                            {0, 1, 1}, {1, 1, 1}, {-1, 1, 0}, {1, -2, 0.5}};
     for (const Doubles &a : axes) {
         Doubles h = HalfTurn(a[0], a[1], a[2]);
         w.pure("rotmat_to_axis_angle", "half-turn", h);

@@ -87,7 +87,8 @@ void Writer::fill(unsigned byte) {
 }
 
 void Writer::set(const char *path, double value) {
-    if (!qzc_rec_set(rec_, qzc_rec_buffer(), path, qzc_bits(value))) Fail(std::string("set ") + path);
+    if (!qzc_rec_set(rec_, qzc_rec_buffer(), path, qzc_bits(value)))
+        Fail(std::string("set ") + path);
     char v[32];
     qzc_format('d', qzc_bits(value), v);
     std::fprintf(out_, "set %s %s\n", path, v);
@@ -125,8 +126,17 @@ double Down(double x) { return std::nextafter(x, -kInf); }
 double FromBits(uint64_t b) { return qzc_double(b); }
 Doubles Around(double x) { return {Down(x), x, Up(x)}; }
 Doubles Specials() {
-    return {0.0, -0.0, kInf, -kInf, kNaN, -kNaN, FromBits(1), -FromBits(1),
-            2.2250738585072014e-308, -2.2250738585072014e-308, 1.7976931348623157e308,
+    return {0.0,
+            -0.0,
+            kInf,
+            -kInf,
+            kNaN,
+            -kNaN,
+            FromBits(1),
+            -FromBits(1),
+            2.2250738585072014e-308,
+            -2.2250738585072014e-308,
+            1.7976931348623157e308,
             -1.7976931348623157e308};
 }
 std::mt19937_64 &Rng() {
@@ -155,12 +165,15 @@ int main(int argc, char **argv) {
             std::fprintf(stderr, "qzc_gen: cannot write %s\n", path.c_str());
             return 2;
         }
-        std::fprintf(out, "qzv 1\n# %s: golden vectors written by qzc_gen from the library "
-                          "(see conformance/README.md)\n", fam.name);
+        std::fprintf(out,
+                     "qzv 1\n# %s: golden vectors written by qzc_gen from the library "
+                     "(see conformance/README.md)\n",
+                     fam.name);
         // Each family draws from its own seeded stream, so that adding a family leaves the
         // others' vectors as they were.
         uint64_t seed = 1469598103934665603ull;
-        for (const char *c = fam.name; *c; ++c) seed = (seed ^ (unsigned char)*c) * 1099511628211ull;
+        for (const char *c = fam.name; *c; ++c)
+            seed = (seed ^ (unsigned char)*c) * 1099511628211ull;
         qzgen::Rng().seed(seed);
         qzgen::Writer w(out);
         fam.build(w);

@@ -22,7 +22,7 @@ using Ints = std::vector<int32_t>;
 // operations on one record, which op() runs and records (op() returns the frame after the call,
 // so a sequence can steer by what the library did).
 class Writer {
-public:
+  public:
     explicit Writer(std::FILE *out) : out_(out) {}
     void comment(const std::string &text);
     void pure(const char *fn, const std::string &label, const Doubles &d, const Ints &i = {},
@@ -35,9 +35,12 @@ public:
     void set_int(const char *path, int32_t value);
     void state();
     void end();
-    template <class T> T &record() { return *static_cast<T *>(qzc_rec_buffer()); }
+    template <class T>
+    T &record() {
+        return *static_cast<T *>(qzc_rec_buffer());
+    }
 
-private:
+  private:
     const qzc_frame &call(const char *fn, bool in_seq, const std::string &head, const Doubles &d,
                           const Ints &i, const Doubles &x);
     std::FILE *out_;

@@ -34,11 +34,14 @@ int main(void) {
     QZ_ABC2Matrix3DEG(abc, rm);
     QZ_Matrix2Quaternion3(rm, qm);
     printf("error of an orientation turned by phi about (0.48, -0.6, 0.64), base axes:\n");
-    printf("     phi [rad] | quaternion route: |r| / phi - 1, axis error | AngleDeg [deg]   | matrix route |r|\n");
+    printf(
+        "     phi [rad] | quaternion route: |r| / phi - 1, axis error | AngleDeg [deg]   | matrix "
+        "route |r|\n");
     const double phis[] = {1.0, 1e-2, 1e-4, 2.8e-5, 1e-6, 1e-8, 1e-10, 1e-12};
     for (unsigned i = 0; i < sizeof phis / sizeof phis[0]; ++i) {
         const double phi = phis[i];
-        double turn[4] = {k[0] * sin(phi / 2), k[1] * sin(phi / 2), k[2] * sin(phi / 2), cos(phi / 2)};
+        double turn[4] = {k[0] * sin(phi / 2), k[1] * sin(phi / 2), k[2] * sin(phi / 2),
+                          cos(phi / 2)};
         double qc[4], r[3], rc[9], rel[9], rv[3];
         QZ_QuatMult(turn, qm, qc);
         orientation_error(qc, qm, r);
@@ -62,8 +65,8 @@ int main(void) {
     QZ_ABC2Matrix3DEG(t2, r);
     QZ_Matrix2XYZ(r, a);
     printf("XYZ (180, 0, 0) deg -> (%.6f, %.6f, %.6f) deg\n", a[0] / DEG, a[1] / DEG, a[2] / DEG);
-    const double zyz[][3] = {{30, 180, 40}, {30, 179.8, 40}, {30, 179.5, 40}, {30, 179, 40}, {-170, 180, 80},
-                             {180, 40, 0}, {0, 40, -180}};
+    const double zyz[][3] = {{30, 180, 40},   {30, 179.8, 40}, {30, 179.5, 40}, {30, 179, 40},
+                             {-170, 180, 80}, {180, 40, 0},    {0, 40, -180}};
     for (unsigned i = 0; i < sizeof zyz / sizeof zyz[0]; ++i) {
         double back[9];
         QZ_ZYZ2Matrix(zyz[i][0] * DEG, zyz[i][1] * DEG, zyz[i][2] * DEG, r);
@@ -71,14 +74,17 @@ int main(void) {
         QZ_ZYZ2Matrix(a[0], a[1], a[2], back);
         double d = 0.0;
         for (int j = 0; j < 9; ++j) d = fmax(d, fabs(back[j] - r[j]));
-        printf("ZYZ (%g, %g, %g) deg -> %u, (%.6f, %.6f, %.6f) deg, a - c %.6f, a + c %.6f, matrix back within %.1e\n",
-               zyz[i][0], zyz[i][1], zyz[i][2], rc, a[0] / DEG, a[1] / DEG, a[2] / DEG, (a[0] - a[2]) / DEG,
-               (a[0] + a[2]) / DEG, d);
+        printf(
+            "ZYZ (%g, %g, %g) deg -> %u, (%.6f, %.6f, %.6f) deg, a - c %.6f, a + c %.6f, matrix "
+            "back within %.1e\n",
+            zyz[i][0], zyz[i][1], zyz[i][2], rc, a[0] / DEG, a[1] / DEG, a[2] / DEG,
+            (a[0] - a[2]) / DEG, (a[0] + a[2]) / DEG, d);
     }
 
     /* The same half turns of b built another way (a tool flipped about x by XYZ angles): only
      * a - c is defined, and the split that the extraction makes must still give the matrix back. */
-    const double flips[][3] = {{180, 0, 70}, {180, 0.2, 70}, {179.9, 0, 70}, {179.5, 0, 70}, {178, 0, 70}};
+    const double flips[][3] = {
+        {180, 0, 70}, {180, 0.2, 70}, {179.9, 0, 70}, {179.5, 0, 70}, {178, 0, 70}};
     for (unsigned i = 0; i < sizeof flips / sizeof flips[0]; ++i) {
         double back[9];
         QZ_ABC2Matrix3DEG(flips[i], r);
@@ -86,8 +92,9 @@ int main(void) {
         QZ_ZYZ2Matrix(a[0], a[1], a[2], back);
         double d = 0.0;
         for (int j = 0; j < 9; ++j) d = fmax(d, fabs(back[j] - r[j]));
-        printf("XYZ (%g, %g, %g) deg as ZYZ -> %u, (%.6f, %.6f, %.6f) deg, matrix back within %.1e\n", flips[i][0],
-               flips[i][1], flips[i][2], rc, a[0] / DEG, a[1] / DEG, a[2] / DEG, d);
+        printf(
+            "XYZ (%g, %g, %g) deg as ZYZ -> %u, (%.6f, %.6f, %.6f) deg, matrix back within %.1e\n",
+            flips[i][0], flips[i][1], flips[i][2], rc, a[0] / DEG, a[1] / DEG, a[2] / DEG, d);
     }
 
     /* Exact half turns about y and about x, written out: sin b rounds to 1.2e-16 while the entries
@@ -99,8 +106,8 @@ int main(void) {
         QZ_ZYZ2Matrix(a[0], a[1], a[2], back);
         double d = 0.0;
         for (int j = 0; j < 9; ++j) d = fmax(d, fabs(back[j] - halfTurns[i][j]));
-        printf("half turn about %s as ZYZ -> %u, (%.6f, %.6f, %.6f) deg, matrix back within %.1e\n", i ? "x" : "y",
-               rc, a[0] / DEG, a[1] / DEG, a[2] / DEG, d);
+        printf("half turn about %s as ZYZ -> %u, (%.6f, %.6f, %.6f) deg, matrix back within %.1e\n",
+               i ? "x" : "y", rc, a[0] / DEG, a[1] / DEG, a[2] / DEG, d);
     }
 
     /* Jacobian: central differences of the flange pose against the columns. */
@@ -115,7 +122,9 @@ int main(void) {
         qn[c] -= h;
         arm7_fk(qp, 1.0, tp);
         arm7_fk(qn, 1.0, tn);
-        for (int i = 0; i < 3; ++i) worstLin = fmax(worstLin, fabs((tp[4 * i + 3] - tn[4 * i + 3]) / (2 * h) - j[7 * i + c]));
+        for (int i = 0; i < 3; ++i)
+            worstLin =
+                fmax(worstLin, fabs((tp[4 * i + 3] - tn[4 * i + 3]) / (2 * h) - j[7 * i + c]));
         for (int i = 0; i < 3; ++i)
             for (int m = 0; m < 3; ++m) {
                 rp[3 * i + m] = tp[4 * i + m];
@@ -127,16 +136,21 @@ int main(void) {
         const double om[3] = {w[7], w[2], w[3]};
         for (int i = 0; i < 3; ++i) worstAng = fmax(worstAng, fabs(om[i] - j[7 * (i + 3) + c]));
     }
-    printf("Jacobian vs central differences: linear rows (flange origin, base axes) within %.1e mm/rad, "
-           "angular rows within %.1e\n", worstLin, worstAng);
+    printf(
+        "Jacobian vs central differences: linear rows (flange origin, base axes) within %.1e "
+        "mm/rad, "
+        "angular rows within %.1e\n",
+        worstLin, worstAng);
     Mat4433Transpose(t, rt);
     QZ_JACOB_TRAN_T67(j, rt, jf);
     double qd[7] = {0.1, -0.2, 0.3, 0.1, 0.2, -0.1, 0.3}, tw[6], twf[6], back[3];
     QZ_Matrix67MultVect7(j, qd, tw);
     QZ_Matrix67MultVect7(jf, qd, twf);
     QZ_MVmult43(t, twf, back);
-    printf("QZ_JACOB_TRAN_T67(J, R^T): flange-axes linear velocity turned back by R matches within %.1e mm/s\n",
-           fmax(fmax(fabs(back[0] - tw[0]), fabs(back[1] - tw[1])), fabs(back[2] - tw[2])));
+    printf(
+        "QZ_JACOB_TRAN_T67(J, R^T): flange-axes linear velocity turned back by R matches within "
+        "%.1e mm/s\n",
+        fmax(fmax(fabs(back[0] - tw[0]), fabs(back[1] - tw[1])), fabs(back[2] - tw[2])));
 
     /* A tool point 150 mm beyond the flange along the flange's z axis: J_lin - skew(r) J_ang with r
      * the offset in base axes, against central differences of that point. */
@@ -161,7 +175,10 @@ int main(void) {
             worstTool = fmax(worstTool, fabs(fd - (j[7 * i + c] - cross[i])));
         }
     }
-    printf("tool point 150 mm along the flange z: J_lin - skew(r) J_ang matches central differences within"
-           " %.1e mm/rad\n", worstTool);
+    printf(
+        "tool point 150 mm along the flange z: J_lin - skew(r) J_ang matches central differences "
+        "within"
+        " %.1e mm/rad\n",
+        worstTool);
     return 0;
 }

@@ -19,7 +19,8 @@
 static double shoulder_wrist(const double q[7]) {
     double frames[7][16], t[16];
     arm7_frames(q, 1.0, frames, t);
-    const double d[3] = {frames[4][3] - frames[1][3], frames[4][7] - frames[1][7], frames[4][11] - frames[1][11]};
+    const double d[3] = {frames[4][3] - frames[1][3], frames[4][7] - frames[1][7],
+                         frames[4][11] - frames[1][11]};
     return sqrt(d[0] * d[0] + d[1] * d[1] + d[2] * d[2]);
 }
 
@@ -112,7 +113,10 @@ int main(void) {
             double l5 = a5, h5 = b5;
             for (int it = 0; it < 200; ++it) {
                 const double m5 = 0.5 * (l5 + h5);
-                if ((joint7_radial(q, m5) < 0.0) == (fa5 < 0.0)) l5 = m5; else h5 = m5;
+                if ((joint7_radial(q, m5) < 0.0) == (fa5 < 0.0))
+                    l5 = m5;
+                else
+                    h5 = m5;
             }
             q[4] = 0.5 * (l5 + h5);
             break;
@@ -121,14 +125,20 @@ int main(void) {
         fa5 = fb5;
     }
     const double reach = shoulder_wrist(q);
-    printf("stretched at joint 4 = %.10f deg, shoulder-wrist %.4f mm; singular with joint 5 at %.6f deg\n",
-           stretch / DEG, reach, q[4] / DEG);
+    printf(
+        "stretched at joint 4 = %.10f deg, shoulder-wrist %.4f mm; singular with joint 5 at %.6f "
+        "deg\n",
+        stretch / DEG, reach, q[4] / DEG);
 
     const double eps = 0.01, lambdaMax = 0.01;
-    printf("joints (20, -30, 10, stretch - d, q5, 95, 40) deg; largest |entry| of QZ_RightPsoInv67 (rad per mm"
-           " or rad per m, rad per rad)\n");
-    printf("    d [deg]   short of full reach |  mm: rc  largest  |   m: rc  largest  | sigma_min  det(JnJn^T)"
-           " | damped, mm\n");
+    printf(
+        "joints (20, -30, 10, stretch - d, q5, 95, 40) deg; largest |entry| of QZ_RightPsoInv67 "
+        "(rad per mm"
+        " or rad per m, rad per rad)\n");
+    printf(
+        "    d [deg]   short of full reach |  mm: rc  largest  |   m: rc  largest  | sigma_min  "
+        "det(JnJn^T)"
+        " | damped, mm\n");
     const double ds[] = {10, 3, 1, 0.3, 0.1, 0.01, 1e-3, 1e-4, 1e-5, 1e-6, 1e-7, 0};
     for (unsigned i = 0; i < sizeof ds / sizeof ds[0]; ++i) {
         q[3] = stretch - ds[i] * DEG; /* bending the elbow shortens the reach */
@@ -138,9 +148,9 @@ int main(void) {
         const unsigned rmm = QZ_RightPsoInv67(jmm, pmm), rm = QZ_RightPsoInv67(jm, pm);
         normalised_gram(jmm, jn, g);
         const double s = sigma_min(g);
-        printf("  %9.0e  %12.3e mm       |  %u  %9.3e  |  %u  %9.3e  | %9.3e  %11.3e | %9.3e\n", ds[i],
-               reach - shoulder_wrist(q), rmm, rmm ? largest(pmm, 42) : 0.0, rm, rm ? largest(pm, 42) : 0.0, s,
-               gram_det(g), damped_largest(jmm, s, eps, lambdaMax));
+        printf("  %9.0e  %12.3e mm       |  %u  %9.3e  |  %u  %9.3e  | %9.3e  %11.3e | %9.3e\n",
+               ds[i], reach - shoulder_wrist(q), rmm, rmm ? largest(pmm, 42) : 0.0, rm,
+               rm ? largest(pm, 42) : 0.0, s, gram_det(g), damped_largest(jmm, s, eps, lambdaMax));
     }
 
     /* How often the call fails at all: 1000 angles spread over the last 1e-5 degrees. */
@@ -155,8 +165,9 @@ int main(void) {
             arm7_jacobian(q, 0.001, j, t);
             failM += !QZ_RightPsoInv67(j, p);
         }
-        printf("d in (0, %.0e] deg, 1000 angles: QZ_RightPsoInv67 returns 0 for %d in mm, %d in m\n", span, failMm,
-               failM);
+        printf(
+            "d in (0, %.0e] deg, 1000 angles: QZ_RightPsoInv67 returns 0 for %d in mm, %d in m\n",
+            span, failMm, failM);
     }
     return 0;
 }

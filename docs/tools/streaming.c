@@ -26,7 +26,8 @@ static double lag_formula(double v, double acc, double dt, int avgLen) {
 enum { PLAIN, NAXIS, NAXIS_M1, NAXIS_M0 };
 
 /* Lag (ms) of one tracker behind a ramp of speed v, measured after `seconds` of ramp. */
-static double measure_lag(int kind, double v, double acc, double jerk, double cycleMs, double seconds) {
+static double measure_lag(int kind, double v, double acc, double jerk, double cycleMs,
+                          double seconds) {
     static QZVDTState s;
     static QZNSyncDTSState n;
     static QZNSyncDTSMState m;
@@ -67,10 +68,24 @@ static double follow_path(double v, double pathAcc, double dist, double acc, dou
         /* Path position p and speed pv at this cycle: trapezoid in speed. */
         const double tAcc = v / pathAcc, dAcc = 0.5 * v * tAcc, t = (double)k * dt;
         const double tCruise = (dist - 2.0 * dAcc) / v, tEnd = 2.0 * tAcc + tCruise;
-        if (t < tAcc) { p = 0.5 * pathAcc * t * t; pv = pathAcc * t; pa = pathAcc; }
-        else if (t < tAcc + tCruise) { p = dAcc + v * (t - tAcc); pv = v; pa = 0.0; }
-        else if (t < tEnd) { const double r = tEnd - t; p = dist - 0.5 * pathAcc * r * r; pv = pathAcc * r; pa = -pathAcc; }
-        else { p = dist; pv = 0.0; pa = 0.0; }
+        if (t < tAcc) {
+            p = 0.5 * pathAcc * t * t;
+            pv = pathAcc * t;
+            pa = pathAcc;
+        } else if (t < tAcc + tCruise) {
+            p = dAcc + v * (t - tAcc);
+            pv = v;
+            pa = 0.0;
+        } else if (t < tEnd) {
+            const double r = tEnd - t;
+            p = dist - 0.5 * pathAcc * r * r;
+            pv = pathAcc * r;
+            pa = -pathAcc;
+        } else {
+            p = dist;
+            pv = 0.0;
+            pa = 0.0;
+        }
         const double lag = lag_formula(pv, acc, dt, span);
         double target = lead ? p + pv * lag + 0.5 * pa * lag * lag : p;
         QZNSyncDTS_OnDT(&n, &target, &out);
@@ -84,15 +99,18 @@ static double follow_path(double v, double pathAcc, double dist, double acc, dou
 int main(int argc, char **argv) {
     const double speeds[] = {0.05, 0.075, 0.1, 0.3, 0.5, 1.0, 2.0};
     printf("lag behind a ramp [ms], A = 7.5 units/s^2 (jerk 3750: span 3 at 1 ms; 375: span 20)\n");
-    printf("  speed | single 1 ms  formula | single 4 ms  formula | N-axis span 3  span 20  formula(20)"
-           " | multi-stage mode 1  mode 0 (jerk clamped to 1000: span 7)\n");
+    printf(
+        "  speed | single 1 ms  formula | single 4 ms  formula | N-axis span 3  span 20  "
+        "formula(20)"
+        " | multi-stage mode 1  mode 0 (jerk clamped to 1000: span 7)\n");
     for (unsigned i = 0; i < sizeof speeds / sizeof speeds[0]; ++i) {
         const double v = speeds[i];
         printf("  %5.3f | %11.2f %8.2f | %11.2f %8.2f | %13.2f %8.2f %12.2f | %18.2f %7.2f\n", v,
                measure_lag(PLAIN, v, 7.5, 3750, 1.0, 6.0), 1000 * lag_formula(v, 7.5, 0.001, 1),
                measure_lag(PLAIN, v, 7.5, 3750, 4.0, 6.0), 1000 * lag_formula(v, 7.5, 0.004, 1),
-               measure_lag(NAXIS, v, 7.5, 3750, 1.0, 6.0), measure_lag(NAXIS, v, 7.5, 375, 1.0, 6.0),
-               1000 * lag_formula(v, 7.5, 0.001, 20), measure_lag(NAXIS_M1, v, 7.5, 3750, 1.0, 6.0),
+               measure_lag(NAXIS, v, 7.5, 3750, 1.0, 6.0),
+               measure_lag(NAXIS, v, 7.5, 375, 1.0, 6.0), 1000 * lag_formula(v, 7.5, 0.001, 20),
+               measure_lag(NAXIS_M1, v, 7.5, 3750, 1.0, 6.0),
                measure_lag(NAXIS_M0, v, 7.5, 375, 1.0, 6.0));
     }
 
@@ -123,8 +141,10 @@ int main(int argc, char **argv) {
             target = out + 1.0 * 0.001; /* "one more cycle's worth" of a 1 unit/s move */
             QZVDT_OnDT(&s, target, &out);
         }
-        printf("increments of 1 unit/s x 1 ms added to the last output: speed after 5 s %.4f units/s\n",
-               s.vel);
+        printf(
+            "increments of 1 unit/s x 1 ms added to the last output: speed after 5 s %.4f "
+            "units/s\n",
+            s.vel);
     }
 
     /* A path with a speed ramp, fed with and without the lead. */
@@ -133,9 +153,12 @@ int main(int argc, char **argv) {
         const double e0 = follow_path(1.0, 5.0, 2.0, 7.5, 3750, 0, &settle);
         const double s0 = settle;
         const double e1 = follow_path(1.0, 5.0, 2.0, 7.5, 3750, 1, &settle);
-        printf("path 0 -> 2 at 1 unit/s, path acceleration 5, axis A 7.5 span 3: largest |output - path|"
-               " %.4f without lead (settles %.0f ms after the path), %.5f with the lead (settles %.0f ms)\n",
-               e0, s0, e1, settle);
+        printf(
+            "path 0 -> 2 at 1 unit/s, path acceleration 5, axis A 7.5 span 3: largest |output - "
+            "path|"
+            " %.4f without lead (settles %.0f ms after the path), %.5f with the lead (settles %.0f "
+            "ms)\n",
+            e0, s0, e1, settle);
         const double e2 = follow_path(1.0, 5.0, 2.0, 7.5, 375, 1, &settle);
         printf("  the same with span 20: %.5f with the lead\n", e2);
         const double e3 = follow_path(0.3, 5.0, 2.0, 7.5, 3750, 0, &settle);
@@ -148,7 +171,8 @@ int main(int argc, char **argv) {
      * recovery times count from the event (from the raise for the velocity limit) until the lag's
      * distance from its new steady value has fallen below 10 % and 1 % of its largest value. */
     const char *events[] = {"velocity limit 2 -> 0.5 at 2 s, back to 2 at 3 s",
-                            "acceleration limit 7.5 -> 30 at 2 s", "target jumps ahead by 0.2 at 2 s"};
+                            "acceleration limit 7.5 -> 30 at 2 s",
+                            "target jumps ahead by 0.2 at 2 s"};
     for (int ev = 0; ev < 3; ++ev) {
         QZVDTState s = {0};
         double out = 0.0, lagBefore = 0.0, peak = 0.0, least = 1e9, t10 = -1.0, t1 = -1.0;
@@ -169,13 +193,17 @@ int main(int argc, char **argv) {
             if (k < 2000) continue;
             const double lag = target - out, excess = fabs(lag - steady);
             if (lag < least) least = lag;
-            if (k <= from || excess > peak) { if (excess > peak) peak = excess; continue; }
+            if (k <= from || excess > peak) {
+                if (excess > peak) peak = excess;
+                continue;
+            }
             if (t10 < 0.0 && excess < 0.1 * peak) t10 = k - from;
             if (t1 < 0.0 && excess < 0.01 * peak) t1 = k - from;
         }
-        printf("%s: lag %.4f before, %.4f from the new steady lag at most; within 10 %% of that after"
-               " %.0f ms, 1 %% after %.0f ms; least lag %.4f (output %s the target)\n", events[ev],
-               lagBefore, peak, t10, t1, least, least < 0.0 ? "passes" : "stays behind");
+        printf(
+            "%s: lag %.4f before, %.4f from the new steady lag at most; within 10 %% of that after"
+            " %.0f ms, 1 %% after %.0f ms; least lag %.4f (output %s the target)\n",
+            events[ev], lagBefore, peak, t10, t1, least, least < 0.0 ? "passes" : "stays behind");
     }
     return 0;
 }

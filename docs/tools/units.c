@@ -11,8 +11,8 @@
 /* A move from 0 to dist (tracker units) at a 1 ms cycle; positions are multiplied by `unit` to
  * give the caller's unit, in which the peak speed and acceleration and the arrival time are
  * reported. Run-time limits (tracker units) are applied after the first step when rtV > 0. */
-static void move(const char *what, double unit, double dist, double v, double a, double rtV, double rtA,
-                 double *trace) {
+static void move(const char *what, double unit, double dist, double v, double a, double rtV,
+                 double rtA, double *trace) {
     QZVDTState s = {0};
     double out = 0.0, prev = 0.0, prevVel = 0.0, peakV = 0.0, peakA = 0.0, arrive = -1.0;
     QZVDT_OnInit(&s, 1.0, v, a);
@@ -28,8 +28,10 @@ static void move(const char *what, double unit, double dist, double v, double a,
         prev = p;
         prevVel = vel;
     }
-    printf("  %-46s limits kept %8.3f %9.3f: peak speed %8.2f, peak acceleration %8.1f, arrives at %.3f s\n",
-           what, s.velLmt, s.accLmt, peakV, peakA, arrive);
+    printf(
+        "  %-46s limits kept %8.3f %9.3f: peak speed %8.2f, peak acceleration %8.1f, arrives at "
+        "%.3f s\n",
+        what, s.velLmt, s.accLmt, peakV, peakA, arrive);
 }
 
 int main(void) {
@@ -43,7 +45,8 @@ int main(void) {
     printf("Cartesian axis, 400 mm at 500 mm/s and 2500 mm/s^2:\n");
     move("millimetres: init(500, 2500)", 1.0, 400.0, 500.0, 2500.0, 0, 0, NULL);
     move("centimetres: init(50, 250), reported in mm", 10.0, 40.0, 50.0, 250.0, 0, 0, inCm);
-    move("millimetres: init(200, 1000), then run-time 500, 2500", 1.0, 400.0, 200.0, 1000.0, 500.0, 2500.0, inMm);
+    move("millimetres: init(200, 1000), then run-time 500, 2500", 1.0, 400.0, 200.0, 1000.0, 500.0,
+         2500.0, inMm);
     double diff = 0.0;
     for (int k = 1; k <= 5000; ++k)
         if (fabs(inCm[k] - inMm[k]) > diff) diff = fabs(inCm[k] - inMm[k]);
@@ -56,12 +59,12 @@ int main(void) {
         QZVDT_OnInit(&s, 1.0, 2.175, 7.5);
         QZVDT_OnDT(&s, 0.0, &out);
         const unsigned rc = QZVDT_OnSetRunTimeVel(&s, 2.1);
-        printf("  QZVDT_OnSetRunTimeVel(2.1) returns %u: velLmt %.3f, velLmtTarget %.3f\n", rc, s.velLmt,
-               s.velLmtTarget);
+        printf("  QZVDT_OnSetRunTimeVel(2.1) returns %u: velLmt %.3f, velLmtTarget %.3f\n", rc,
+               s.velLmt, s.velLmtTarget);
         QZVDT_OnSetRunTimeVel(&s, 2.1 + 1.0);
         QZVDT_OnSetRunTimeVel(&s, 2.1);
-        printf("  QZVDT_OnSetRunTimeVel(3.1) then (2.1): velLmt %.3f, velLmtTarget %.3f\n", s.velLmt,
-               s.velLmtTarget);
+        printf("  QZVDT_OnSetRunTimeVel(3.1) then (2.1): velLmt %.3f, velLmtTarget %.3f\n",
+               s.velLmt, s.velLmtTarget);
         QZVDT_OnSetRunTimeAcc(&s, 7.45);
         printf("  QZVDT_OnSetRunTimeAcc(7.45): accLmt %.3f", s.accLmt);
         QZVDT_OnSetRunTimeAcc(&s, 8.45);
@@ -71,7 +74,8 @@ int main(void) {
         QZVDT_OnInit(&d, 1.0, 2.175 * 57.29577951308232, 7.5 * 57.29577951308232);
         QZVDT_OnDT(&d, 0.0, &out);
         QZVDT_OnSetRunTimeVel(&d, 2.1 * 57.29577951308232);
-        printf("  in degrees, 124.620 -> %.3f deg/s: velLmt %.3f deg/s\n", 2.1 * 57.29577951308232, d.velLmt);
+        printf("  in degrees, 124.620 -> %.3f deg/s: velLmt %.3f deg/s\n", 2.1 * 57.29577951308232,
+               d.velLmt);
     }
     return 0;
 }

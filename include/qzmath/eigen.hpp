@@ -22,7 +22,8 @@ namespace qz::eigen {
 // The Eigen type of the same layout as Mat<R, C>: row-major, except that Eigen stores a column
 // (C == 1) only column-major, which is the same layout.
 template <std::size_t R, std::size_t C>
-using Matrix = Eigen::Matrix<double, int(R), int(C), (C == 1 && R != 1) ? Eigen::ColMajor : Eigen::RowMajor>;
+using Matrix =
+    Eigen::Matrix<double, int(R), int(C), (C == 1 && R != 1) ? Eigen::ColMajor : Eigen::RowMajor>;
 
 template <std::size_t R, std::size_t C>
 Eigen::Map<Matrix<R, C>> map(Mat<R, C> &m) noexcept {
@@ -40,7 +41,9 @@ template <std::size_t N>
 Eigen::Map<const Matrix<N, 1>> map(const Vec<N> &v) noexcept {
     return Eigen::Map<const Matrix<N, 1>>(v.data());
 }
-inline Eigen::Map<Eigen::Quaterniond> map(Quat &q) noexcept { return Eigen::Map<Eigen::Quaterniond>(q.data()); }
+inline Eigen::Map<Eigen::Quaterniond> map(Quat &q) noexcept {
+    return Eigen::Map<Eigen::Quaterniond>(q.data());
+}
 inline Eigen::Map<const Eigen::Quaterniond> map(const Quat &q) noexcept {
     return Eigen::Map<const Eigen::Quaterniond>(q.data());
 }
@@ -49,12 +52,14 @@ inline Eigen::Map<const Eigen::Quaterniond> map(const Quat &q) noexcept {
 // against Eigen's plain array of coefficients), so the coefficients are used in place.
 template <int R, int C, int O>
 Mat<R, C> &as_qz(Eigen::Matrix<double, R, C, O> &m) noexcept {
-    static_assert(R > 1 && C > 1 && (O & Eigen::RowMajor), "qz::eigen::as_qz: fixed-size and row-major only");
+    static_assert(R > 1 && C > 1 && (O & Eigen::RowMajor),
+                  "qz::eigen::as_qz: fixed-size and row-major only");
     return *reinterpret_cast<Mat<R, C> *>(m.data());
 }
 template <int R, int C, int O>
 const Mat<R, C> &as_qz(const Eigen::Matrix<double, R, C, O> &m) noexcept {
-    static_assert(R > 1 && C > 1 && (O & Eigen::RowMajor), "qz::eigen::as_qz: fixed-size and row-major only");
+    static_assert(R > 1 && C > 1 && (O & Eigen::RowMajor),
+                  "qz::eigen::as_qz: fixed-size and row-major only");
     return *reinterpret_cast<const Mat<R, C> *>(m.data());
 }
 template <int N>
@@ -70,11 +75,14 @@ const Vec<N> &as_qz(const Eigen::Matrix<double, N, 1> &v) noexcept {
 // A map is itself a view: as_qz of a map is the storage it maps.
 template <class Plain>
 auto &as_qz(const Eigen::Map<Plain> &m) noexcept {
-    using Target = std::remove_reference_t<decltype(as_qz(std::declval<std::remove_const_t<Plain> &>()))>;
+    using Target =
+        std::remove_reference_t<decltype(as_qz(std::declval<std::remove_const_t<Plain> &>()))>;
     using Out = std::conditional_t<std::is_const_v<Plain>, const Target, Target>;
     return *reinterpret_cast<Out *>(const_cast<double *>(m.data()));
 }
-inline Quat &as_qz(Eigen::Quaterniond &q) noexcept { return *reinterpret_cast<Quat *>(q.coeffs().data()); }
+inline Quat &as_qz(Eigen::Quaterniond &q) noexcept {
+    return *reinterpret_cast<Quat *>(q.coeffs().data());
+}
 inline const Quat &as_qz(const Eigen::Quaterniond &q) noexcept {
     return *reinterpret_cast<const Quat *>(q.coeffs().data());
 }

@@ -71,7 +71,9 @@ template <std::size_t R, std::size_t C>
 struct Mat : std::array<double, R * C> {
     static constexpr std::size_t rows = R;
     static constexpr std::size_t cols = C;
-    constexpr double &operator()(std::size_t i, std::size_t j) noexcept { return (*this)[i * C + j]; }
+    constexpr double &operator()(std::size_t i, std::size_t j) noexcept {
+        return (*this)[i * C + j];
+    }
     constexpr const double &operator()(std::size_t i, std::size_t j) const noexcept {
         return (*this)[i * C + j];
     }
@@ -124,7 +126,7 @@ static_assert(sizeof(PosQuat) == 7 * sizeof(double) && std::is_trivially_copyabl
 
 // Why a call did not succeed. The C functions say it with 1/0 flags, 0/1 (LUP), 0/-1 (Cholesky) or
 // counts; here each reason has its own name.
-enum class [[nodiscard]] Status : std::uint8_t {
+enum class [[nodiscard]] Status : std::uint8_t{
     ok,
     singular,               // a pivot column's largest |value| at or below 1e-16
     not_positive_definite,  // Cholesky: a reduced diagonal <= 0
@@ -138,15 +140,14 @@ enum class [[nodiscard]] Status : std::uint8_t {
 };
 
 constexpr const char *to_string(Status s) noexcept {
-    constexpr const char *names[] = {"ok",         "singular",        "not positive definite",
-                                     "ZYZ singular", "zero length",   "parallel",
-                                     "failed",     "not initialised", "reset pending",
-                                     "bad argument"};
+    constexpr const char *names[] = {
+        "ok",       "singular", "not positive definite", "ZYZ singular",  "zero length",
+        "parallel", "failed",   "not initialised",       "reset pending", "bad argument"};
     return names[static_cast<std::size_t>(s)];
 }
 
 // What became of a limit given to a tracker.
-enum class [[nodiscard]] Limit : std::uint8_t {
+enum class [[nodiscard]] Limit : std::uint8_t{
     applied,  // in force from this call on
     ramping,  // below the current speed: the axis ramps down at its acceleration limit first
     ignored,  // within 0.1 of the last request: nothing changed (the C call still reports success)
@@ -165,7 +166,7 @@ constexpr const char *to_string(Limit l) noexcept {
 // usable results anyway (ZYZ singular, LUP partly reduced) those results.
 template <class T>
 class [[nodiscard]] Result {
-public:
+  public:
     constexpr Result(const T &value, Status status = Status::ok) noexcept
         : value_(value), status_(status) {}
     // A result whose value a C function is about to write in place (no zeroing, no copy).
@@ -185,7 +186,7 @@ public:
     constexpr const T *operator->() const noexcept { return &value_; }
     constexpr T value_or(const T &fallback) const noexcept { return ok() ? value_ : fallback; }
 
-private:
+  private:
     T value_;
     Status status_;
 };
@@ -235,22 +236,22 @@ struct Square {
     static constexpr void (*identity)(double *) = nullptr;
     static constexpr Flag8 inv = nullptr;
 };
-#define QZ_CPP_SIZE(N)                                                                     \
-    template <>                                                                            \
-    struct Vector<N> {                                                                     \
-        static constexpr bool available = true;                                            \
-        static constexpr Norm norm = &QZ_VectNorm##N;                                      \
-        static constexpr Binary add = &QZ_VectAdd##N;                                      \
-        static constexpr Scaled sa = &QZ_VectSA##N;                                        \
-    };                                                                                     \
-    template <>                                                                            \
-    struct Square<N> {                                                                     \
-        static constexpr bool available = true;                                            \
-        static constexpr Binary mult = &QZ_MatrixMult##N;                                  \
-        static constexpr Binary add = &QZ_MatrixAdd##N;                                    \
-        static constexpr Unary transpose = &QZ_MatrixTranspose##N;                         \
-        static constexpr void (*identity)(double *) = &QZ_MatrixIdentity##N;              \
-        static constexpr Flag8 inv = &QZ_MatrixInv##N;                                     \
+#define QZ_CPP_SIZE(N)                                                       \
+    template <>                                                              \
+    struct Vector<N> {                                                       \
+        static constexpr bool available = true;                              \
+        static constexpr Norm norm = &QZ_VectNorm##N;                        \
+        static constexpr Binary add = &QZ_VectAdd##N;                        \
+        static constexpr Scaled sa = &QZ_VectSA##N;                          \
+    };                                                                       \
+    template <>                                                              \
+    struct Square<N> {                                                       \
+        static constexpr bool available = true;                              \
+        static constexpr Binary mult = &QZ_MatrixMult##N;                    \
+        static constexpr Binary add = &QZ_MatrixAdd##N;                      \
+        static constexpr Unary transpose = &QZ_MatrixTranspose##N;           \
+        static constexpr void (*identity)(double *) = &QZ_MatrixIdentity##N; \
+        static constexpr Flag8 inv = &QZ_MatrixInv##N;                       \
     };
 QZ_CPP_SIZE(2)
 QZ_CPP_SIZE(3)
@@ -283,11 +284,11 @@ struct MatVec {
     static constexpr bool available = false;
     static constexpr Binary fn = nullptr;
 };
-#define QZ_CPP_MATVEC(R, C, F)                     \
-    template <>                                    \
-    struct MatVec<R, C> {                          \
-        static constexpr bool available = true;    \
-        static constexpr Binary fn = &F;           \
+#define QZ_CPP_MATVEC(R, C, F)                  \
+    template <>                                 \
+    struct MatVec<R, C> {                       \
+        static constexpr bool available = true; \
+        static constexpr Binary fn = &F;        \
     };
 QZ_CPP_MATVEC(3, 3, QZ_MatrixMultVect3)
 QZ_CPP_MATVEC(4, 4, QZ_MatrixMultVect4)
@@ -390,7 +391,8 @@ inline LimitFields limit_fields(const QZVDTState &s) noexcept {
 inline Limit limit_outcome(const LimitFields &before, const QZVDTState &after) noexcept {
     if (!before.isInit) return Limit::refused;
     const LimitFields now = limit_fields(after);
-    if (now.acc == before.acc && now.vel == before.vel && now.target == before.target && now.pending == before.pending)
+    if (now.acc == before.acc && now.vel == before.vel && now.target == before.target &&
+        now.pending == before.pending)
         return Limit::ignored;
     return after.velLmtPending ? Limit::ramping : Limit::applied;
 }
@@ -401,7 +403,8 @@ inline Limit limit_outcome(const LimitFields &before, const QZVDTState &after) n
 // a + b (sizes 2..8).
 template <std::size_t N>
 [[nodiscard]] Vec<N> add(const Vec<N> &a, const Vec<N> &b) noexcept {
-    static_assert(detail::Vector<N>::available, "qz::add: the library adds vectors of sizes 2 to 8");
+    static_assert(detail::Vector<N>::available,
+                  "qz::add: the library adds vectors of sizes 2 to 8");
     Vec<N> out;
     detail::Vector<N>::add(a.data(), b.data(), out.data());
     return out;
@@ -471,7 +474,8 @@ template <std::size_t N>
 // A + B (square sizes 2..8).
 template <std::size_t N>
 [[nodiscard]] Mat<N, N> add(const Mat<N, N> &a, const Mat<N, N> &b) noexcept {
-    static_assert(detail::Square<N>::available, "qz::add: the library adds square matrices of sizes 2 to 8");
+    static_assert(detail::Square<N>::available,
+                  "qz::add: the library adds square matrices of sizes 2 to 8");
     Mat<N, N> out;
     detail::Square<N>::add(a.data(), b.data(), out.data());
     return out;
@@ -571,7 +575,8 @@ template <std::size_t R, std::size_t C>
     static_assert(detail::PseudoInverse<R, C>::available,
                   "qz::pinv: the library has pseudo-inverses of 6x7 and 7x6 matrices only");
     Result<Mat<C, R>> r{typename Result<Mat<C, R>>::Unwritten{}};
-    if (!detail::PseudoInverse<R, C>::fn(a.data(), r.value().data())) r.fail(Status::singular, true);
+    if (!detail::PseudoInverse<R, C>::fn(a.data(), r.value().data()))
+        r.fail(Status::singular, true);
     return r;
 }
 
@@ -720,7 +725,9 @@ template <std::size_t R, std::size_t C>
     return r;
 }
 // Euclidean length.
-[[nodiscard]] inline double length(const Quat &q) noexcept { return QZ_QuaternionSqrtNorm(q.data()); }
+[[nodiscard]] inline double length(const Quat &q) noexcept {
+    return QZ_QuaternionSqrtNorm(q.data());
+}
 // Angle of the shorter rotation between two unit quaternions, in the unit U (never quite 0).
 template <class U>
 [[nodiscard]] U angle(const Quat &a, const Quat &b) noexcept {
@@ -744,17 +751,18 @@ template <class U>
 }
 // Slerp between one fixed pair, its angle worked out once on the first call of at().
 class Slerp {
-public:
+  public:
     Slerp(const Quat &from, const Quat &to, bool longWay = false) noexcept
         : a_(from), b_(to), long_(longWay) {}
     [[nodiscard]] Quat at(double t) noexcept {
         Quat out;
-        (long_ ? QZ_QuatSlerpFactorL : QZ_QuatSlerpFactor)(a_.data(), b_.data(), t, out.data(), &state_);
+        (long_ ? QZ_QuatSlerpFactorL : QZ_QuatSlerpFactor)(a_.data(), b_.data(), t, out.data(),
+                                                           &state_);
         return out;
     }
     const QZSlerpFactorState &record() const noexcept { return state_; }
 
-private:
+  private:
     Quat a_, b_;
     QZSlerpFactorState state_{};
     bool long_;
@@ -900,7 +908,8 @@ template <class U>
     static_assert(detail::is_unit<U>, "qz::pose_xyz<U>: the unit is qz::Rad or qz::Deg");
     PoseXYZ<U> p;
     // The C names carry the opposite unit: the ARC form answers in degrees, the DEG form in radians.
-    (void)(std::is_same_v<U, Deg> ? QZ_Matrix2XYZABC4ARC_XYZ : QZ_Matrix2XYZABC4DEG_XYZ)(t.data(), p.data());
+    (void)(std::is_same_v<U, Deg> ? QZ_Matrix2XYZABC4ARC_XYZ : QZ_Matrix2XYZABC4DEG_XYZ)(t.data(),
+                                                                                         p.data());
     return p;
 }
 // ZYZ pose of a transform; zyz_singular below |b| = 0.5 degree, when only the angles are written
@@ -936,9 +945,11 @@ template <class U>
 }
 // Crossing of two lines (point, direction), or the midpoint of their common perpendicular;
 // parallel for parallel lines or a zero direction.
-[[nodiscard]] inline Result<Vec3> line_cross(const Vec3 &p1, Vec3 d1, const Vec3 &p2, Vec3 d2) noexcept {
+[[nodiscard]] inline Result<Vec3> line_cross(const Vec3 &p1, Vec3 d1, const Vec3 &p2,
+                                             Vec3 d2) noexcept {
     Result<Vec3> x{Result<Vec3>::Unwritten{}};
-    if (!QZ_LineCross(p1.data(), d1.data(), p2.data(), d2.data(), x.value().data())) x.fail(Status::parallel, true);
+    if (!QZ_LineCross(p1.data(), d1.data(), p2.data(), d2.data(), x.value().data()))
+        x.fail(Status::parallel, true);
     return x;
 }
 // diag(R, R) . J for a 6x6 or 6x7 Jacobian.
@@ -958,7 +969,7 @@ template <std::size_t R, std::size_t C>
 
 // Single-axis tracker: cycle in ms, limits in units/s and units/s^2.
 class Tracker {
-public:
+  public:
     Tracker(double cycleMs, double velLmt, double accLmt) noexcept
         : init_(detail::limits_clamped(velLmt, accLmt) ? Limit::clamped : Limit::applied) {
         (void)QZVDT_OnInit(&s_, cycleMs, velLmt, accLmt);
@@ -993,7 +1004,7 @@ public:
     const QZVDTState &record() const noexcept { return s_; }
     QZVDTState &record() noexcept { return s_; }
 
-private:
+  private:
     QZVDTState s_{};
     Limit init_;
 };
@@ -1002,7 +1013,7 @@ private:
 // init_limits() judges the limits as given; the correction stages' shares of them (V/6, V/18,
 // V/90) are clamped on their own, so a small V gives them the floor of 0.1.
 class MultiStageTracker {
-public:
+  public:
     MultiStageTracker(double cycleMs, double velLmt, double accLmt, std::int32_t mode) noexcept
         : init_(detail::limits_clamped(velLmt, accLmt) ? Limit::clamped : Limit::applied) {
         (void)QZVDT_OnInitM(&s_, cycleMs, velLmt, accLmt, mode);
@@ -1024,7 +1035,7 @@ public:
     const QZVDTMState &record() const noexcept { return s_; }
     QZVDTMState &record() noexcept { return s_; }
 
-private:
+  private:
     QZVDTMState s_{};
     Limit init_;
 };
@@ -1040,12 +1051,13 @@ template <std::size_t N>
 class SmoothedTracker {
     static_assert(N >= 1 && N <= 8, "qz::SmoothedTracker<N>: the library tracks 1 to 8 axes");
 
-public:
-    SmoothedTracker(double cycleMs, const Vec<N> &velLmt, const Vec<N> &accLmt, const Vec<N> &jerkLmt) noexcept
-        : ok_(QZNSyncDTS_OnInit(&s_, static_cast<std::int32_t>(N), cycleMs, velLmt.data(), accLmt.data(),
-                                jerkLmt.data()) != 0) {
+  public:
+    SmoothedTracker(double cycleMs, const Vec<N> &velLmt, const Vec<N> &accLmt,
+                    const Vec<N> &jerkLmt) noexcept
+        : ok_(QZNSyncDTS_OnInit(&s_, static_cast<std::int32_t>(N), cycleMs, velLmt.data(),
+                                accLmt.data(), jerkLmt.data()) != 0) {
         for (std::size_t i = 0; i < N; ++i)
-            init_.axis[i] = !ok_ ? Limit::refused
+            init_.axis[i] = !ok_                                           ? Limit::refused
                             : detail::limits_clamped(velLmt[i], accLmt[i]) ? Limit::clamped
                                                                            : Limit::applied;
     }
@@ -1062,8 +1074,8 @@ public:
     // As step, with the smoothed velocities and accelerations.
     [[nodiscard]] Result<PVA<N>> step_pva(const Vec<N> &target) noexcept {
         PVA<N> out{};
-        const bool ok =
-            QZNSyncDTS_OnDT2(&s_, target.data(), out.pos.data(), out.vel.data(), out.acc.data()) != 0;
+        const bool ok = QZNSyncDTS_OnDT2(&s_, target.data(), out.pos.data(), out.vel.data(),
+                                         out.acc.data()) != 0;
         return {out, ok ? Status::ok : Status::not_initialised};
     }
     [[nodiscard]] Status empty() noexcept {
@@ -1087,7 +1099,7 @@ public:
     const QZNSyncDTSState &record() const noexcept { return s_; }
     QZNSyncDTSState &record() noexcept { return s_; }
 
-private:
+  private:
     std::array<detail::LimitFields, N + 1> snapshot() const noexcept {
         std::array<detail::LimitFields, N + 1> f{};
         for (std::size_t i = 0; i < N; ++i) f[i] = detail::limit_fields(s_.axis[i]);
@@ -1097,7 +1109,8 @@ private:
     LimitReport<N> report(const std::array<detail::LimitFields, N + 1> &before) const noexcept {
         LimitReport<N> r{};
         for (std::size_t i = 0; i < N; ++i)
-            r.axis[i] = before[N].isInit ? detail::limit_outcome(before[i], s_.axis[i]) : Limit::refused;
+            r.axis[i] =
+                before[N].isInit ? detail::limit_outcome(before[i], s_.axis[i]) : Limit::refused;
         return r;
     }
 
@@ -1110,14 +1123,15 @@ private:
 // [1000, 1e7].
 template <std::size_t N>
 class SmoothedMultiStageTracker {
-    static_assert(N >= 1 && N <= 8, "qz::SmoothedMultiStageTracker<N>: the library tracks 1 to 8 axes");
+    static_assert(N >= 1 && N <= 8,
+                  "qz::SmoothedMultiStageTracker<N>: the library tracks 1 to 8 axes");
 
-public:
-    SmoothedMultiStageTracker(double cycleMs, const Vec<N> &velLmt, const Vec<N> &accLmt, const Vec<N> &jerkLmt,
-                              std::int32_t mode) noexcept {
+  public:
+    SmoothedMultiStageTracker(double cycleMs, const Vec<N> &velLmt, const Vec<N> &accLmt,
+                              const Vec<N> &jerkLmt, std::int32_t mode) noexcept {
         Vec<N> jerk = jerkLmt;
-        (void)QZNSyncDTS_OnInitM(&s_, static_cast<std::int32_t>(N), cycleMs, velLmt.data(), accLmt.data(),
-                                 jerk.data(), mode);
+        (void)QZNSyncDTS_OnInitM(&s_, static_cast<std::int32_t>(N), cycleMs, velLmt.data(),
+                                 accLmt.data(), jerk.data(), mode);
         for (std::size_t i = 0; i < N; ++i) {
             const bool clamped = detail::limits_clamped(velLmt[i], accLmt[i]) ||
                                  !detail::same_bytes(jerk[i], jerkLmt[i]);
@@ -1140,8 +1154,8 @@ public:
     [[nodiscard]] Result<PVA<N>> pva() const noexcept {
         PVA<N> out{};
         Vec<N> target{};
-        const bool ok =
-            QZNSyncDTS_OnGetCurPVAM(&s_, target.data(), out.pos.data(), out.vel.data(), out.acc.data()) != 0;
+        const bool ok = QZNSyncDTS_OnGetCurPVAM(&s_, target.data(), out.pos.data(), out.vel.data(),
+                                                out.acc.data()) != 0;
         return {out, ok ? Status::ok : Status::reset_pending};
     }
     void empty() noexcept { (void)QZNSyncDTS_OnEmptyM(&s_); }
@@ -1152,13 +1166,14 @@ public:
         (void)QZNSyncDTS_OnSetRunTimeLmtM(&s_, velLmt.data(), accLmt.data());
         LimitReport<N> r{};
         for (std::size_t i = 0; i < N; ++i)
-            r.axis[i] = s_.isInit ? detail::limit_outcome(before[i], s_.axis[i].stage[0]) : Limit::refused;
+            r.axis[i] =
+                s_.isInit ? detail::limit_outcome(before[i], s_.axis[i].stage[0]) : Limit::refused;
         return r;
     }
     const QZNSyncDTSMState &record() const noexcept { return s_; }
     QZNSyncDTSMState &record() noexcept { return s_; }
 
-private:
+  private:
     QZNSyncDTSMState s_{};
     LimitReport<N> init_{};
 };
@@ -1168,7 +1183,7 @@ template <std::size_t N>
 class Estimator {
     static_assert(N >= 1 && N <= 8, "qz::Estimator<N>: the library estimates 1 to 8 axes");
 
-public:
+  public:
     Estimator(double cycleMs, const Vec<N> &velLmtMax, const Vec<N> &velLmtCur) noexcept {
         QZOnInitEst(&s_, static_cast<std::int32_t>(N), cycleMs, velLmtMax.data(), velLmtCur.data());
     }
@@ -1190,7 +1205,7 @@ public:
     const QZNEstState &record() const noexcept { return s_; }
     QZNEstState &record() noexcept { return s_; }
 
-private:
+  private:
     QZNEstState s_{};
 };
 
@@ -1199,7 +1214,7 @@ template <std::size_t N>
 class OneStepFitter {
     static_assert(N >= 1 && N <= 8, "qz::OneStepFitter<N>: the library filters 1 to 8 channels");
 
-public:
+  public:
     explicit OneStepFitter(const Vec<N> &alpha) noexcept {
         OneFitterInit(&s_, static_cast<std::int32_t>(N), alpha.data());
     }
@@ -1211,13 +1226,13 @@ public:
     const OneFitterState &record() const noexcept { return s_; }
     OneFitterState &record() noexcept { return s_; }
 
-private:
+  private:
     OneFitterState s_{};
 };
 
 // Dead-banded, clamped integral corrector of seven joints, with the library's default gains.
 class ErrorComparator {
-public:
+  public:
     ErrorComparator() noexcept { (void)QZ_DCTRL_ErrorCompare_Init(0, &s_); }
     // Correction of each joint from the error second - first.
     [[nodiscard]] Vec<7> update(const Vec<7> &first, const Vec<7> &second) noexcept {
@@ -1228,7 +1243,7 @@ public:
     const QZDCTRLErrorState &record() const noexcept { return s_; }
     QZDCTRLErrorState &record() noexcept { return s_; }  // gains and limits may be set here
 
-private:
+  private:
     QZDCTRLErrorState s_{};
 };
 
@@ -1242,7 +1257,7 @@ template <std::size_t N>
 class AveragingFilter {
     static_assert(N >= 1 && N <= 8, "qz::AveragingFilter<N>: the library averages 1 to 8 channels");
 
-public:
+  public:
     AveragingFilter(std::int32_t window, double dt) noexcept
         : ok_(QZAVGF_OnInit(&s_, static_cast<std::int32_t>(N), window, dt) != 0) {}
     // bad_argument when the window lay outside 1..100 (every update then fails).
@@ -1252,11 +1267,13 @@ public:
         const bool ok = QZAVGF_OnFilt(&s_, x.data(), out.avg.data(), out.rate.data()) != 0;
         return {out, ok ? Status::ok : Status::not_initialised};
     }
-    [[nodiscard]] Status empty() noexcept { return QZAVGF_OnEmpty(&s_) ? Status::ok : Status::not_initialised; }
+    [[nodiscard]] Status empty() noexcept {
+        return QZAVGF_OnEmpty(&s_) ? Status::ok : Status::not_initialised;
+    }
     const QZAVGFState &record() const noexcept { return s_; }
     QZAVGFState &record() noexcept { return s_; }
 
-private:
+  private:
     QZAVGFState s_{};
     bool ok_;
 };
@@ -1264,7 +1281,7 @@ private:
 // A value moved towards a target by a share alpha of the distance per update, the step within
 // [stepMin, stepMax].
 class SmoothedValue {
-public:
+  public:
     SmoothedValue(double start, double alpha, double stepMax, double stepMin) noexcept
         : ok_(QZSMV_OnInit(&s_, start, alpha, stepMax, stepMin) != 0) {}
     // bad_argument when the parameters were refused: the defaults (0.002, 0.01, 0.002) are in force.
@@ -1280,7 +1297,7 @@ public:
     const QZSMVState &record() const noexcept { return s_; }
     QZSMVState &record() noexcept { return s_; }
 
-private:
+  private:
     QZSMVState s_{};
     bool ok_;
 };

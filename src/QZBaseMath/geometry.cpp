@@ -31,9 +31,9 @@ constexpr double kTurnDeg = 360.0;
 //   binade are taken at once; the step that leaves it is taken as the loop takes it.
 // * Above 2^62 (unit 1024 or more) d - 360 rounds back to d: the loop never ends. Such a
 //   difference (or an infinite one) has no meaning as an angle, and is reported as NaN.
-constexpr double kExactBelow = 72057594037927936.0;  // 2^56
-constexpr double kStallAbove = 4611686018427387904.0;  // 2^62
-constexpr double kUlpOfBinade = 2.220446049250313e-16;   // 2^-52: the unit over the binade's floor
+constexpr double kExactBelow = 72057594037927936.0;     // 2^56
+constexpr double kStallAbove = 4611686018427387904.0;   // 2^62
+constexpr double kUlpOfBinade = 2.220446049250313e-16;  // 2^-52: the unit over the binade's floor
 
 // The loop's steps taken while d stays at or above the largest power of two not above it, for
 // 2^56 <= d <= 2^62. Returns d after them; the loop's next step leaves the binade (or lands on
@@ -43,10 +43,11 @@ double SkipRoundedTurns(double d) {
     while (lo > d) lo = lo * 0.5;
     const double u = lo * kUlpOfBinade;
     if (d - lo < kTurnDeg) return d;  // d - lo is exact: both lie in [lo, 2 lo)
-    d = d - kTurnDeg;                  // one step as the loop takes it (settles a tie's parity)
+    d = d - kTurnDeg;                 // one step as the loop takes it (settles a tie's parity)
     if (d - lo < kTurnDeg) return d;
     const int64_t step = static_cast<int64_t>((d - (d - kTurnDeg)) / u);
-    int64_t need = static_cast<int64_t>(kTurnDeg / u);  // a step stays inside while >= 360 / u units
+    int64_t need =
+        static_cast<int64_t>(kTurnDeg / u);  // a step stays inside while >= 360 / u units
     if (static_cast<double>(need) * u < kTurnDeg) need = need + 1;
     const int64_t above = static_cast<int64_t>((d - lo) / u);
     const int64_t k = (above - need) / step + 1;

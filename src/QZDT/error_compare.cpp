@@ -52,8 +52,7 @@ int32_t ErrInit(QZDCTRLErrorState *s) {
     return 1;
 }
 
-int32_t ErrCompare(const double *first, const double *second, QZDCTRLErrorState *s,
-                   double *corr) {
+int32_t ErrCompare(const double *first, const double *second, QZDCTRLErrorState *s, double *corr) {
     for (int j = 0; j < kJoints; ++j) {
         const double e = DeadBand(second[j] - first[j]);
         s->err[j] = Clamp(e, s->errLmt[j]);

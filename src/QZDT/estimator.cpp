@@ -24,11 +24,11 @@ constexpr int32_t kStampWrap = 9993;
 constexpr int32_t kMaxHold = 50;
 constexpr int32_t kScoreEvery = 200;
 constexpr double kScoreMax = 100.0;
-constexpr double kSampleStep = 0.8;     // estimate step per new sample
-constexpr double kSlowHoldStep = 1.5;   // estimate step while held, when |velMeas| < 1
-constexpr double kNearOn = 0.97;        // of the maximum: the cut switches on above this
-constexpr double kNearOff = 0.85;       // and off below this
-constexpr double kMeasCap = 0.4;        // of the maximum: the measured velocity never exceeds it
+constexpr double kSampleStep = 0.8;    // estimate step per new sample
+constexpr double kSlowHoldStep = 1.5;  // estimate step while held, when |velMeas| < 1
+constexpr double kNearOn = 0.97;       // of the maximum: the cut switches on above this
+constexpr double kNearOff = 0.85;      // and off below this
+constexpr double kMeasCap = 0.4;       // of the maximum: the measured velocity never exceeds it
 
 // Axis loops never leave the record's arrays, whatever axisNum holds.
 int Axes(const QZNEstState *s) {

@@ -140,7 +140,8 @@ std::uint8_t VdtStep(QZVDTState *s, double target, double *out) {
 
 std::uint8_t VdtSetLmt(QZVDTState *s, double velLmt, double accLmt) {
     if (s->isInit == 0) return 0;
-    if (Fabs(velLmt - s->velLmtTarget) < kDeadBand && Fabs(s->accLmt - accLmt) < kDeadBand) return 1;
+    if (Fabs(velLmt - s->velLmtTarget) < kDeadBand && Fabs(s->accLmt - accLmt) < kDeadBand)
+        return 1;
     SetAcc(s, accLmt);
     RequestVel(s, velLmt);
     return 1;
@@ -170,7 +171,9 @@ QZ_API uint8_t QZVDT_OnInit(QZVDTState *s, double cycleMs, double velLmt, double
     return VdtInit(s, cycleMs, velLmt, accLmt);
 }
 QZ_API uint8_t QZVDT_OnEmpty(QZVDTState *s) { return VdtEmpty(s); }
-QZ_API uint8_t QZVDT_OnDT(QZVDTState *s, double target, double *out) { return VdtStep(s, target, out); }
+QZ_API uint8_t QZVDT_OnDT(QZVDTState *s, double target, double *out) {
+    return VdtStep(s, target, out);
+}
 QZ_API uint8_t QZVDT_OnSetRunTimeLmt(QZVDTState *s, double velLmt, double accLmt) {
     return VdtSetLmt(s, velLmt, accLmt);
 }

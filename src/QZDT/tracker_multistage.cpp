@@ -30,7 +30,8 @@ double Stage0Vel(double v, std::int32_t mode) { return mode == 1 ? (v * 69.0) / 
 
 }  // namespace
 
-std::uint8_t VdtmInit(QZVDTMState *s, double cycleMs, double velLmt, double accLmt, std::int32_t mode) {
+std::uint8_t VdtmInit(QZVDTMState *s, double cycleMs, double velLmt, double accLmt,
+                      std::int32_t mode) {
     VdtInit(&s->stage[0], cycleMs, Stage0Vel(velLmt, mode), accLmt);
     VdtInit(&s->stage[1], cycleMs, velLmt / 6.0, accLmt + accLmt);
     VdtInit(&s->stage[2], cycleMs, velLmt / 18.0, accLmt + accLmt);
@@ -95,11 +96,14 @@ using namespace qz::detail;
 
 extern "C" {
 
-QZ_API uint8_t QZVDT_OnInitM(QZVDTMState *s, double cycleMs, double velLmt, double accLmt, int32_t mode) {
+QZ_API uint8_t QZVDT_OnInitM(QZVDTMState *s, double cycleMs, double velLmt, double accLmt,
+                             int32_t mode) {
     return VdtmInit(s, cycleMs, velLmt, accLmt, mode);
 }
 QZ_API uint8_t QZVDT_OnEmptyM(QZVDTMState *s) { return VdtmEmpty(s); }
-QZ_API uint8_t QZVDT_OnDT_BM(QZVDTMState *s, double target, double *out) { return VdtmStep(s, target, out); }
+QZ_API uint8_t QZVDT_OnDT_BM(QZVDTMState *s, double target, double *out) {
+    return VdtmStep(s, target, out);
+}
 QZ_API uint8_t QZVDT_OnSetRunTimeLmtM(QZVDTMState *s, double velLmt, double accLmt, int32_t mode) {
     return VdtmSetLmt(s, velLmt, accLmt, mode);
 }

@@ -8,7 +8,8 @@
 
 namespace qz::detail {
 
-std::uint8_t VdtmInit(QZVDTMState *s, double cycleMs, double velLmt, double accLmt, std::int32_t mode);
+std::uint8_t VdtmInit(QZVDTMState *s, double cycleMs, double velLmt, double accLmt,
+                      std::int32_t mode);
 std::uint8_t VdtmEmpty(QZVDTMState *s);
 std::uint8_t VdtmStep(QZVDTMState *s, double target, double *out);
 std::uint8_t VdtmSetLmt(QZVDTMState *s, double velLmt, double accLmt, std::int32_t mode);

@@ -23,7 +23,8 @@ constexpr std::int32_t kSpanMin = 3, kSpanMax = 30;
 static_assert(kSpanMax <= kRingSlots, "the longest span fits the ring");
 
 std::uint8_t SmoothedTrackerInit(QZNSyncDTSState *s, std::int32_t n, double cycleMs,
-                                 const double *velLmt, const double *accLmt, const double *jerkLmt) {
+                                 const double *velLmt, const double *accLmt,
+                                 const double *jerkLmt) {
     s->axisNum = 0;
     s->isInit = 0;
     if (n < 1 || n > kMaxAxes) return 0;
@@ -100,8 +101,9 @@ using namespace qz::detail;
 
 extern "C" {
 
-QZ_API uint8_t QZNSyncDTS_OnInit(QZNSyncDTSState *s, int32_t n, double cycleMs, const double *velLmt,
-                                 const double *accLmt, const double *jerkLmt) {
+QZ_API uint8_t QZNSyncDTS_OnInit(QZNSyncDTSState *s, int32_t n, double cycleMs,
+                                 const double *velLmt, const double *accLmt,
+                                 const double *jerkLmt) {
     return SmoothedTrackerInit(s, n, cycleMs, velLmt, accLmt, jerkLmt);
 }
 
@@ -111,9 +113,10 @@ QZ_API uint8_t QZNSyncDTS_OnEmpty(QZNSyncDTSState *s) {
     return 1;
 }
 
-QZ_API uint8_t QZNSyncDTS_OnSetRunTimeLmt(QZNSyncDTSState *s, const double *velLmt, const double *accLmt) {
-    return ForEachAxisTracker(s,
-                              [=](QZVDTState *a, int i) { return VdtSetLmt(a, velLmt[i], accLmt[i]); });
+QZ_API uint8_t QZNSyncDTS_OnSetRunTimeLmt(QZNSyncDTSState *s, const double *velLmt,
+                                          const double *accLmt) {
+    return ForEachAxisTracker(
+        s, [=](QZVDTState *a, int i) { return VdtSetLmt(a, velLmt[i], accLmt[i]); });
 }
 
 QZ_API uint8_t QZNSyncDTS_OnSetRunTimeVel(QZNSyncDTSState *s, const double *velLmt) {
@@ -145,12 +148,13 @@ QZ_API uint8_t QZNSyncDTS_OnDT_NoChange(QZNSyncDTSState *s, double *pos) {
     return SmoothedTrackerStep(s, t, pos);
 }
 
-QZ_API uint8_t QZNSyncDTS_OnGetCurPVA(const QZNSyncDTSState *s, double *target, double *pos, double *vel,
-                                      double *acc) {
+QZ_API uint8_t QZNSyncDTS_OnGetCurPVA(const QZNSyncDTSState *s, double *target, double *pos,
+                                      double *vel, double *acc) {
     return ReadPVA(s, target, pos, vel, acc);
 }
 
-QZ_API uint8_t QZNSyncDTS_OnGetCurPVA_U(const QZNSyncDTSState *s, double *pos, double *vel, double *acc) {
+QZ_API uint8_t QZNSyncDTS_OnGetCurPVA_U(const QZNSyncDTSState *s, double *pos, double *vel,
+                                        double *acc) {
     return ReadPVAUnchecked(s, pos, vel, acc);
 }
 

@@ -137,8 +137,9 @@ using namespace qz::detail;
 
 extern "C" {
 
-QZ_API uint8_t QZNSyncDTS_OnInitM(QZNSyncDTSMState *s, int32_t n, double cycleMs, const double *velLmt,
-                                  const double *accLmt, double *jerkLmt, int32_t mode) {
+QZ_API uint8_t QZNSyncDTS_OnInitM(QZNSyncDTSMState *s, int32_t n, double cycleMs,
+                                  const double *velLmt, const double *accLmt, double *jerkLmt,
+                                  int32_t mode) {
     return MultiStageSmoothedInit(s, n, cycleMs, velLmt, accLmt, jerkLmt, mode);
 }
 
@@ -149,9 +150,11 @@ QZ_API uint8_t QZNSyncDTS_OnEmptyM(QZNSyncDTSMState *s) {
     return 1;
 }
 
-QZ_API uint8_t QZNSyncDTS_OnSetRunTimeLmtM(QZNSyncDTSMState *s, const double *velLmt, const double *accLmt) {
+QZ_API uint8_t QZNSyncDTS_OnSetRunTimeLmtM(QZNSyncDTSMState *s, const double *velLmt,
+                                           const double *accLmt) {
     if (s->isInit == 0) return 0;
-    for (int i = 0; i < s->axisNum; ++i) VdtmSetLmt(&s->axis[i], velLmt[i], accLmt[i], s->axis[i].mode);
+    for (int i = 0; i < s->axisNum; ++i)
+        VdtmSetLmt(&s->axis[i], velLmt[i], accLmt[i], s->axis[i].mode);
     return 1;
 }
 
@@ -163,12 +166,13 @@ QZ_API uint8_t QZNSyncDTS_OnDT_UM(QZNSyncDTSMState *s, double *pos) {
     return MultiStageSmoothedStepStored(s, pos);
 }
 
-QZ_API uint8_t QZNSyncDTS_OnGetCurPVAM(const QZNSyncDTSMState *s, double *target, double *pos, double *vel,
-                                       double *acc) {
+QZ_API uint8_t QZNSyncDTS_OnGetCurPVAM(const QZNSyncDTSMState *s, double *target, double *pos,
+                                       double *vel, double *acc) {
     return ReadPVA(s, target, pos, vel, acc);
 }
 
-QZ_API uint8_t QZNSyncDTS_OnGetCurPVA_UM(const QZNSyncDTSMState *s, double *pos, double *vel, double *acc) {
+QZ_API uint8_t QZNSyncDTS_OnGetCurPVA_UM(const QZNSyncDTSMState *s, double *pos, double *vel,
+                                         double *acc) {
     return ReadPVAUnchecked(s, pos, vel, acc);
 }
 

@@ -154,25 +154,43 @@ extern "C" {
 QZ_API void QZ_RotXARC(double angle, double *r) {
     double s, c;
     SinCosArc(angle, &s, &c);
-    r[0] = 1.0; r[1] = 0.0; r[2] = 0.0;
-    r[3] = 0.0; r[4] = c;   r[5] = -s;
-    r[6] = 0.0; r[7] = s;   r[8] = c;
+    r[0] = 1.0;
+    r[1] = 0.0;
+    r[2] = 0.0;
+    r[3] = 0.0;
+    r[4] = c;
+    r[5] = -s;
+    r[6] = 0.0;
+    r[7] = s;
+    r[8] = c;
 }
 
 QZ_API void QZ_RotYARC(double angle, double *r) {
     double s, c;
     SinCosArc(angle, &s, &c);
-    r[0] = c;   r[1] = 0.0; r[2] = s;
-    r[3] = 0.0; r[4] = 1.0; r[5] = 0.0;
-    r[6] = -s;  r[7] = 0.0; r[8] = c;
+    r[0] = c;
+    r[1] = 0.0;
+    r[2] = s;
+    r[3] = 0.0;
+    r[4] = 1.0;
+    r[5] = 0.0;
+    r[6] = -s;
+    r[7] = 0.0;
+    r[8] = c;
 }
 
 QZ_API void QZ_RotZARC(double angle, double *r) {
     double s, c;
     SinCosArc(angle, &s, &c);
-    r[0] = c;   r[1] = -s;  r[2] = 0.0;
-    r[3] = s;   r[4] = c;   r[5] = 0.0;
-    r[6] = 0.0; r[7] = 0.0; r[8] = 1.0;
+    r[0] = c;
+    r[1] = -s;
+    r[2] = 0.0;
+    r[3] = s;
+    r[4] = c;
+    r[5] = 0.0;
+    r[6] = 0.0;
+    r[7] = 0.0;
+    r[8] = 1.0;
 }
 
 QZ_API void QZ_ZYZ2Matrix(double a, double b, double c, double *r) {
@@ -242,7 +260,9 @@ QZ_API uint32_t QZ_ABC2Matrix3DEG(const double *abc, double *r) {
     return 1;
 }
 
-QZ_API void QZ_CALC_TRANS_FROM_Rotxyz(const double *abc, double *r) { XyzFromAngles<3, true>(abc, r); }
+QZ_API void QZ_CALC_TRANS_FROM_Rotxyz(const double *abc, double *r) {
+    XyzFromAngles<3, true>(abc, r);
+}
 
 // out = T * Rz, Rz given by (c, s) as used (not normalised); the origin column is kept.
 QZ_API void QZ_XYZMRot(const double *t, double c, double s, double *out) {

@@ -17,9 +17,21 @@ constexpr double kParallelTol = 1e-8;
 // Sorts three values into ascending order.
 inline void Sort3(double &a, double &b, double &c) {
     double t;
-    if (b < a) { t = a; a = b; b = t; }
-    if (c < b) { t = b; b = c; c = t; }
-    if (b < a) { t = a; a = b; b = t; }
+    if (b < a) {
+        t = a;
+        a = b;
+        b = t;
+    }
+    if (c < b) {
+        t = b;
+        b = c;
+        c = t;
+    }
+    if (b < a) {
+        t = a;
+        a = b;
+        b = t;
+    }
 }
 
 // The point of line p + k * (b - p) at parameter k, formed as p * k + b - b * k.
@@ -41,23 +53,56 @@ extern "C" {
 QZ_API void QZ_DH2Matrix(double alpha, double a, double d, double theta, double *t) {
     const double st = SinArc(theta), ct = CosArc(theta);
     const double sa = SinArc(alpha), ca = CosArc(alpha);
-    t[0] = ct;       t[1] = -st;      t[2] = 0.0;  t[3] = a;
-    t[4] = st * ca;  t[5] = ct * ca;  t[6] = -sa;  t[7] = -sa * d;
-    t[8] = st * sa;  t[9] = ct * sa;  t[10] = ca;  t[11] = ca * d;
-    t[12] = 0.0;     t[13] = 0.0;     t[14] = 0.0; t[15] = 1.0;
+    t[0] = ct;
+    t[1] = -st;
+    t[2] = 0.0;
+    t[3] = a;
+    t[4] = st * ca;
+    t[5] = ct * ca;
+    t[6] = -sa;
+    t[7] = -sa * d;
+    t[8] = st * sa;
+    t[9] = ct * sa;
+    t[10] = ca;
+    t[11] = ca * d;
+    t[12] = 0.0;
+    t[13] = 0.0;
+    t[14] = 0.0;
+    t[15] = 1.0;
 }
 
 QZ_API void QZ_Skew(const double *v, double *s) {
-    s[0] = 0.0;   s[1] = -v[2]; s[2] = v[1];
-    s[3] = v[2];  s[4] = 0.0;   s[5] = -v[0];
-    s[6] = -v[1]; s[7] = v[0];  s[8] = 0.0;
+    s[0] = 0.0;
+    s[1] = -v[2];
+    s[2] = v[1];
+    s[3] = v[2];
+    s[4] = 0.0;
+    s[5] = -v[0];
+    s[6] = -v[1];
+    s[7] = v[0];
+    s[8] = 0.0;
 }
 
 // Rows chosen so that L(v) * (Ixx, Ixy, Ixz, Iyy, Iyz, Izz) = I * v for a symmetric I.
 QZ_API void QZ_LOperator(const double *v, double *l) {
-    l[0] = v[0];  l[1] = v[1];  l[2] = v[2];  l[3] = 0.0;   l[4] = 0.0;   l[5] = 0.0;
-    l[6] = 0.0;   l[7] = v[0];  l[8] = 0.0;   l[9] = v[1];  l[10] = v[2]; l[11] = 0.0;
-    l[12] = 0.0;  l[13] = 0.0;  l[14] = v[0]; l[15] = 0.0;  l[16] = v[1]; l[17] = v[2];
+    l[0] = v[0];
+    l[1] = v[1];
+    l[2] = v[2];
+    l[3] = 0.0;
+    l[4] = 0.0;
+    l[5] = 0.0;
+    l[6] = 0.0;
+    l[7] = v[0];
+    l[8] = 0.0;
+    l[9] = v[1];
+    l[10] = v[2];
+    l[11] = 0.0;
+    l[12] = 0.0;
+    l[13] = 0.0;
+    l[14] = v[0];
+    l[15] = 0.0;
+    l[16] = v[1];
+    l[17] = v[2];
 }
 
 // Method: with unit directions, u = -d1 and v = -d2 are two sides of a triangle whose third side

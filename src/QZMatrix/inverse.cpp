@@ -32,9 +32,9 @@ std::uint8_t PGMatrixInv(const double *T, double *Tinv) {
 
 extern "C" {
 
-#define QZ_STAMP_INV(N)                                                                        \
-    QZ_API uint8_t QZ_MatrixInv##N(const double *A, double *Ainv) {                            \
-        return qz::detail::MatrixInv<N>(A, Ainv);                                              \
+#define QZ_STAMP_INV(N)                                             \
+    QZ_API uint8_t QZ_MatrixInv##N(const double *A, double *Ainv) { \
+        return qz::detail::MatrixInv<N>(A, Ainv);                   \
     }
 QZ_SIZES_2_8(QZ_STAMP_INV)
 #undef QZ_STAMP_INV

@@ -8,15 +8,15 @@ using namespace qz::detail;
 
 extern "C" {
 
-#define QZ_STAMP_MATRIX(N)                                                                        \
-    QZ_API void QZ_MatrixMult##N(const double *A, const double *B, double *Out) {                 \
-        MatrixMult<N>(A, B, Out);                                                                 \
-    }                                                                                             \
-    QZ_API void QZ_MatrixCpy##N(const double *src, double *dst) { MatrixCpy<N>(src, dst); }       \
-    QZ_API void QZ_MatrixIdentity##N(double *M) { MatrixIdentity<N>(M); }                         \
-    QZ_API void QZ_MatrixAdd##N(const double *A, const double *B, double *Out) {                  \
-        MatrixAdd<N>(A, B, Out);                                                                  \
-    }                                                                                             \
+#define QZ_STAMP_MATRIX(N)                                                                  \
+    QZ_API void QZ_MatrixMult##N(const double *A, const double *B, double *Out) {           \
+        MatrixMult<N>(A, B, Out);                                                           \
+    }                                                                                       \
+    QZ_API void QZ_MatrixCpy##N(const double *src, double *dst) { MatrixCpy<N>(src, dst); } \
+    QZ_API void QZ_MatrixIdentity##N(double *M) { MatrixIdentity<N>(M); }                   \
+    QZ_API void QZ_MatrixAdd##N(const double *A, const double *B, double *Out) {            \
+        MatrixAdd<N>(A, B, Out);                                                            \
+    }                                                                                       \
     QZ_API void QZ_MatrixTranspose##N(const double *A, double *B) { MatrixTranspose<N>(A, B); }
 QZ_SIZES_2_8(QZ_STAMP_MATRIX)
 #undef QZ_STAMP_MATRIX

@@ -8,14 +8,14 @@ using namespace qz::detail;
 
 extern "C" {
 
-#define QZ_STAMP_VECT(N)                                                                          \
-    QZ_API int32_t QZ_VectNorm##N(double *v) { return VectNormFixed<N>(v); }                      \
-    QZ_API void QZ_VectCpy##N(const double *src, double *dst) { VectCpy<N>(src, dst); }           \
-    QZ_API void QZ_VectAdd##N(const double *a, const double *b, double *out) {                    \
-        VectAdd<N>(a, b, out);                                                                    \
-    }                                                                                             \
-    QZ_API void QZ_VectSA##N(const double *a, double s, const double *b, double *out) {           \
-        VectSA<N>(a, s, b, out);                                                                  \
+#define QZ_STAMP_VECT(N)                                                                \
+    QZ_API int32_t QZ_VectNorm##N(double *v) { return VectNormFixed<N>(v); }            \
+    QZ_API void QZ_VectCpy##N(const double *src, double *dst) { VectCpy<N>(src, dst); } \
+    QZ_API void QZ_VectAdd##N(const double *a, const double *b, double *out) {          \
+        VectAdd<N>(a, b, out);                                                          \
+    }                                                                                   \
+    QZ_API void QZ_VectSA##N(const double *a, double s, const double *b, double *out) { \
+        VectSA<N>(a, s, b, out);                                                        \
     }
 QZ_SIZES_2_8(QZ_STAMP_VECT)
 #undef QZ_STAMP_VECT

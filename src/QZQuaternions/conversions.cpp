@@ -78,9 +78,15 @@ QZ_API uint32_t QZ_XYZABC2XYZQ(double *buf) {
     const double a = kDegToRad * buf[3];
     const double sA = SinArc(a), cA = CosArc(a);
     const double r[9] = {
-        cC * cB, cC * sB * sA - sC * cA, cC * sB * cA + sC * sA,
-        sC * cB, sC * sB * sA + cC * cA, sC * sB * cA - cC * sA,
-        -sB,     cB * sA,                cB * cA,
+        cC * cB,
+        cC * sB * sA - sC * cA,
+        cC * sB * cA + sC * sA,
+        sC * cB,
+        sC * sB * sA + cC * cA,
+        sC * sB * cA - cC * sA,
+        -sB,
+        cB * sA,
+        cB * cA,
     };
     double q[4];
     RotationToQuat<3>(r, q);

@@ -11,7 +11,7 @@ int main(void) {
     QZVDT_OnInit(&axis, 4.0, 50.0, 100.0);
     QZVDT_OnDT(&axis, 0.0, &out);
     QZVDT_OnDT(&axis, 1.0, &out);
-    printf("consumer: QZMath %s (loaded %u), %.6f\n", QZMATH_VERSION_STRING,
-           (unsigned)QZ_Version(), out);
+    printf("consumer: QZMath %s (loaded %u), %.6f\n", QZMATH_VERSION_STRING, (unsigned)QZ_Version(),
+           out);
     return (QZ_Version() == QZMATH_VERSION && out > 0.0 && out < 1.0) ? 0 : 1;
 }
