@@ -10,7 +10,6 @@
 #include <QZQuaternions.h>
 #include <benchmark/benchmark.h>
 
-#include <kdl/chain.hpp>
 #include <kdl/chainfksolverpos_recursive.hpp>
 #include <kdl/chainiksolvervel_pinv.hpp>
 #include <kdl/chainjnttojacsolver.hpp>
@@ -21,7 +20,7 @@
 #include <cstdlib>
 #include <random>
 
-#include "../examples/arm7.h"
+#include "../examples/arm7_kdl.hpp"
 
 namespace {
 
@@ -80,25 +79,8 @@ void QzVelocities(const Case &c, double qdot[7]) {
     QZ_Matrix76MultVect6(pinv, v, qdot);
 }
 
-// KDL's chain for the same arm (as in the test that checks arm7.h against KDL).
-KDL::Chain Arm7Chain() {
-    KDL::Chain chain;
-    const Arm7Link &first = kArm7Links[0];
-    chain.addSegment(KDL::Segment(KDL::Joint(KDL::Joint::None),
-                                  KDL::Frame::DH_Craig1989(first.a, first.alpha, 0.0, 0.0)));
-    for (int i = 0; i < ARM7_JOINTS; ++i) {
-        const bool last = i + 1 == ARM7_JOINTS;
-        const Arm7Link &next = last ? kArm7Flange : kArm7Links[i + 1];
-        const KDL::Frame tip = KDL::Frame(KDL::Vector(0.0, 0.0, kArm7Links[i].d)) *
-                               KDL::Frame::DH_Craig1989(next.a, next.alpha, 0.0, 0.0) *
-                               KDL::Frame(KDL::Vector(0.0, 0.0, last ? next.d : 0.0));
-        chain.addSegment(KDL::Segment(KDL::Joint(KDL::Joint::RotZ), tip));
-    }
-    return chain;
-}
-
 struct Kdl {
-    KDL::Chain chain = Arm7Chain();
+    KDL::Chain chain = Arm7Chain(1.0);
     KDL::ChainFkSolverPos_recursive fk{chain};
     KDL::ChainJntToJacSolver jac{chain};
     KDL::ChainIkSolverVel_pinv ik{chain};

@@ -1,37 +1,12 @@
 // The seven-joint arm of examples/arm7.h (example 09 and the guides' measurements): its forward
 // kinematics and geometric Jacobian, built from QZ_DH2Matrix, against KDL's chain solvers.
-#include <kdl/chain.hpp>
 #include <kdl/chainfksolverpos_recursive.hpp>
 #include <kdl/chainjnttojacsolver.hpp>
 
-#include "../examples/arm7.h"
+#include "../examples/arm7_kdl.hpp"
 #include "test_util.h"
 
 using namespace qztest;
-
-namespace {
-
-// KDL puts a segment's joint before its fixed frame, so each modified DH link RotX(alpha)
-// TransX(a) RotZ(theta) TransZ(d) is split: TransZ(d) of link i and RotX TransX of link i + 1
-// follow joint i.
-KDL::Chain Arm7Chain(double scale) {
-    KDL::Chain chain;
-    const Arm7Link &first = kArm7Links[0];
-    chain.addSegment(
-        KDL::Segment(KDL::Joint(KDL::Joint::None),
-                     KDL::Frame::DH_Craig1989(scale * first.a, first.alpha, 0.0, 0.0)));
-    for (int i = 0; i < ARM7_JOINTS; ++i) {
-        const bool last = i + 1 == ARM7_JOINTS;
-        const Arm7Link &next = last ? kArm7Flange : kArm7Links[i + 1];
-        const KDL::Frame tip = KDL::Frame(KDL::Vector(0.0, 0.0, scale * kArm7Links[i].d)) *
-                               KDL::Frame::DH_Craig1989(scale * next.a, next.alpha, 0.0, 0.0) *
-                               KDL::Frame(KDL::Vector(0.0, 0.0, last ? scale * next.d : 0.0));
-        chain.addSegment(KDL::Segment(KDL::Joint(KDL::Joint::RotZ), tip));
-    }
-    return chain;
-}
-
-}  // namespace
 
 // KDL's Jacobian has the same layout: linear velocity of the tip (the flange origin) over angular
 // velocity, in base axes. Lengths in millimetres and in metres.
