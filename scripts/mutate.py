@@ -16,7 +16,9 @@ survives them is replayed against the golden vectors: if they see changed bits i
 otherwise "equivalent" (no golden vector sees a difference). A mutant that does not compile is
 "compile-fail" and skipped; a test that times out counts as caught. Without --golden the summary
 counts what the unit tests catch; with it, what the unit tests or the golden vectors catch, and
-it lists the mutants that only the golden vectors catch. Built mutant libraries are cached by
+it lists the mutants that only the golden vectors catch. A list that no longer matches src/ (a
+mutant's line and column no longer hold its original text) is refused before anything is built:
+regenerate it. Built mutant libraries are cached by
 content, so a second run against the same mutants (after the tests change) only reruns tests.
 """
 import argparse
@@ -215,8 +217,29 @@ def apply(m):
     return "\n".join(lines)
 
 
+def check_fresh(path, mutants):
+    """Stops the run, before anything is built, if the list no longer matches src/: a mutant whose
+    line and column no longer hold its original text would otherwise be skipped, and the figures
+    would silently count fewer mutants than the list holds."""
+    stale = [m for m in mutants if apply(m) is None]
+    if not stale:
+        return
+    rel = os.path.relpath(path, ROOT)
+    lines = [f"{len(stale)} of the {len(mutants)} mutants of {rel} no longer match src/ "
+             "(their file, line and column no longer hold the original text), so its figures would "
+             "not be comparable; the first of them:"]
+    for m in stale[:10]:
+        lines.append(f"  {m['id']:4d} {m['file']}:{m['line']}:{m['col']} {m['kind']} {m['orig']!r}")
+    if len(stale) > 10:
+        lines.append(f"  ... and {len(stale) - 10} more")
+    lines.append("Regenerate the list from the current src/ (same seed and count unless you mean to "
+                 "change them):\n  python3 scripts/mutate.py generate")
+    sys.exit("\n".join(lines))
+
+
 def run(args):
     mutants = read_list(args.list)
+    check_fresh(args.list, mutants)
     if args.only:
         keep = {int(x) for x in args.only.split(",")}
         mutants = [m for m in mutants if m["id"] in keep]
@@ -265,10 +288,7 @@ def run(args):
                 with open(os.path.join(tree, dirty), "w") as f:
                     f.write(original(dirty))
                 dirty = None
-            text = apply(m)
-            if text is None:
-                results.append((m, "stale"))
-                continue
+            text = apply(m)  # never None: check_fresh ran first and src/ is only read
             key = hashlib.sha256(base_hash.digest() + repr(sorted(m.items())).encode()).hexdigest()[:20]
             cached, failed = os.path.join(cache, key + ".so"), os.path.join(cache, key + ".fail")
             target = os.path.join(tree, m["file"])
@@ -320,19 +340,18 @@ def run(args):
         for m, status in results:
             f.write(f"{m['id']}\t{status}\t{m['file']}:{m['line']}\t{m['kind']}\t{m['orig']}\t{m['new']}\n")
     count = {s: sum(1 for _, st in results if st == s)
-             for s in ("caught", "golden-only", "equivalent", "compile-fail", "stale")}
-    stale = f", {count['stale']} stale" if count["stale"] else ""
+             for s in ("caught", "golden-only", "equivalent", "compile-fail")}
     if args.golden:
         print("golden-only (caught by the golden vectors, missed by the unit tests):")
         for m, status in results:
             if status == "golden-only":
                 print(f"  {m['file']}:{m['line']}  {m['kind']}: {m['orig']!r} -> {m['new']!r}")
     print(f"unit: {count['caught']} caught, {count['golden-only']} missed, {count['equivalent']} equivalent, "
-          f"{count['compile-fail']} compile-fail{stale}")
+          f"{count['compile-fail']} compile-fail")
     if args.golden:
         print(f"unit+golden: {count['caught'] + count['golden-only']} caught "
               f"({count['golden-only']} only by the golden vectors), 0 missed, "
-              f"{count['equivalent']} equivalent, {count['compile-fail']} compile-fail{stale}")
+              f"{count['equivalent']} equivalent, {count['compile-fail']} compile-fail")
     print(f"results: {out_path}")
 
 
