@@ -21,6 +21,7 @@
 #include <random>
 
 #include "../examples/arm7_kdl.hpp"
+#include "../examples/orientation_error.h"
 
 namespace {
 
@@ -62,18 +63,13 @@ const Case *Cases() {
 
 // The library's cycle: the twist to follow, then the joint velocities.
 void QzVelocities(const Case &c, double qdot[7]) {
-    double j[42], t[16], have[4], inv[4], e[4], v[6], pinv[42];
+    double j[42], t[16], have[4], rot[3], v[6], pinv[42];
     arm7_jacobian(c.q, 1.0, j, t);
     QZ_Matrix2Quaternion4(t, have);
-    QZ_QuaternionConjugate(have, inv);
-    QZ_QuatMult(c.want + 3, inv, e);
-    if (e[3] < 0.0)
-        for (double &x : e) x = -x;
-    const double s = QZ_VectLength(e, 3);
-    const double f = s > 0.0 ? 2.0 * QZ_ATan2(s, e[3]) / s : 2.0;
+    orientation_error(c.want + 3, have, rot);
     for (int i = 0; i < 3; ++i) {
         v[i] = c.twist[i] + kGain * (c.want[i] - t[4 * i + 3]);
-        v[i + 3] = c.twist[i + 3] + kGain * (f * e[i]);
+        v[i + 3] = c.twist[i + 3] + kGain * rot[i];
     }
     if (!QZ_RightPsoInv67(j, pinv)) std::abort();
     QZ_Matrix76MultVect6(pinv, v, qdot);

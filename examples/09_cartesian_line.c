@@ -28,6 +28,7 @@
 #include "QZMatrix.h"
 #include "QZQuaternions.h"
 #include "arm7.h"
+#include "orientation_error.h"
 
 #define DEG 0.017453292519943295
 #define CYCLE_MS 1.0
@@ -43,19 +44,6 @@
 static const double kVel[7] = {2.175, 2.175, 2.175, 2.175, 2.61, 2.61, 2.61};
 static const double kAcc[7] = {15.0, 7.5, 10.0, 12.5, 15.0, 20.0, 20.0};
 static const double kJerk[7] = {7500.0, 3750.0, 5000.0, 6250.0, 7500.0, 10000.0, 10000.0};
-
-/* Rotation vector (base axes) from the measured orientation qm to the commanded qc: the error
- * quaternion qc (x) qm^-1 with w >= 0 is (k sin(phi/2), cos(phi/2)), and r = phi k. */
-static void orientation_error(const double qc[4], const double qm[4], double r[3]) {
-    double inv[4], e[4];
-    QZ_QuaternionConjugate(qm, inv); /* the inverse of a unit quaternion */
-    QZ_QuatMult(qc, inv, e);
-    if (e[3] < 0.0)
-        for (int i = 0; i < 4; ++i) e[i] = -e[i];
-    const double s = QZ_VectLength(e, 3);
-    const double f = s > 0.0 ? 2.0 * QZ_ATan2(s, e[3]) / s : 2.0;
-    for (int i = 0; i < 3; ++i) r[i] = f * e[i];
-}
 
 /* Steady lag (s) of an N-axis tracker axis behind a target moving at speed v: the switching law's
  * look-ahead h, the acceleration limit and the averaging span (docs/streaming.md). */
