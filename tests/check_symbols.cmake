@@ -66,6 +66,20 @@ foreach(l ${lines})
   endif()
 endforeach()
 
+# No writable static storage in any object file (static or thread-local variables, function-local
+# statics, zero-initialised or not): every call keeps its state in the caller's records and on its
+# own stack, so calls on separate records may overlap from any number of threads.
+find_program(OBJDUMP NAMES objdump REQUIRED)
+execute_process(COMMAND ${OBJDUMP} -t ${STATIC_LIB} OUTPUT_VARIABLE out COMMAND_ERROR_IS_FATAL ANY)
+string(REPLACE "\n" ";" lines "${out}")
+foreach(l ${lines})
+  # Objects and thread-local objects of nonzero size in .data, .bss, .tdata or .tbss (the zero-size
+  # entries there are the sections' own symbols).
+  if(l MATCHES "^[0-9a-f]+ .* (\\.t?(data|bss)[^ \t]*)[ \t]+0*[1-9a-f][0-9a-f]* (.+)$")
+    message(SEND_ERROR "writable static storage in the library: ${CMAKE_MATCH_3} (${CMAKE_MATCH_1})")
+  endif()
+endforeach()
+
 # Imports: nothing from the allocator, stdio, iostreams, exceptions or threads.
 execute_process(COMMAND ${NM} -D --undefined-only ${LIB} OUTPUT_VARIABLE out COMMAND_ERROR_IS_FATAL ANY)
 string(REPLACE "\n" ";" lines "${out}")

@@ -112,9 +112,7 @@ int main(void) {
         OWN(QZNEst_OnDT)(&est, k / 4, x, out, ref);
     }
     show("estimator", out, 2);
-    printf("  record");
-    for (size_t i = 0; i < sizeof est; ++i) printf("%02x", ((const unsigned char *)&est)[i]);
-    printf("\n");
+    show("  velEst", est.velEst, 2); /* where ValueToTarget's steps show */
 
     /* Rotation vectors compose through the matrix conversions. */
     const double r1[3] = {0.3, -0.2, 0.5}, r2[3] = {-0.1, 0.4, 0.2};

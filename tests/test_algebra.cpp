@@ -31,7 +31,7 @@ TEST(QuaternionNormAndInverse, RefuseLengthsAtTheirFloors) {
     const double wantInv[4] = {-0.2, 0.4, -0.4, 0.8}, wantNorm[4] = {0.2, -0.4, 0.4, 0.8};
     EXPECT_EQ(QZ_QuaternionInverse(q, q), 1u);
     EXPECT_EQ(QZ_QuaternionNorm(n), 1u);
-    EXPECT_TRUE(Near(q, wantInv, 4, 0.0) && Near(n, wantNorm, 4, 0.0));
+    EXPECT_ALL(Near(q, wantInv, 4, 0.0), Near(n, wantNorm, 4, 0.0));
 }
 
 }  // namespace

@@ -16,8 +16,8 @@ TEST(ErrorCompare, DeadBandSwallowsSmallErrorsAndShiftsLargeOnes) {
     double corr[7];
     ASSERT_EQ(QZ_DCTRL_ErrorCompare(123, kZero, second, &s, corr), 1);
     for (int j = 0; j < 7; ++j)
-        EXPECT_TRUE(SameBits(s.err[j], err[j]) && SameBits(s.integ[j], err[j]) &&
-                    SameBits(corr[j], s.kInteg[j] * err[j] + 0.0 * err[j]))
+        EXPECT_ALL(SameBits(s.err[j], err[j]), SameBits(s.integ[j], err[j]),
+                   SameBits(corr[j], s.kInteg[j] * err[j] + 0.0 * err[j]))
             << j;
 }
 

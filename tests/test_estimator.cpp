@@ -40,12 +40,9 @@ TEST(Estimator, SampleAndHoldMeasuredVelocityAndConvergingEstimate) {
     e.Step(9990, 1.0);
     EXPECT_EQ(e.out[1], -1.0);
     for (int k = 0; k < 3; ++k) e.Step(9990, 55.0);
-    EXPECT_EQ(e.out[0], 1.0);  // held
-    EXPECT_EQ(e.s.ticksSinceSample, 3);
+    EXPECT_ALL(e.out[0] == 1.0, e.s.ticksSinceSample == 3);  // held
     e.Step(9992, 1.2);
-    EXPECT_EQ(e.out[0], 1.2);
-    EXPECT_EQ(e.s.ticksSinceSample, 0);
-    EXPECT_EQ(e.s.velMeas[0], e.s.velRaw[0]);
+    EXPECT_ALL(e.out[0] == 1.2, e.s.ticksSinceSample == 0, e.s.velMeas[0] == e.s.velRaw[0]);
     EXPECT_TRUE(SameBits(e.s.velRaw[0], (1.2 - 1.0) / (2 * (4 * 0.001))));
     EXPECT_TRUE(SameBits(e.s.velRaw[1], (-1.2 - -1.0) / (2 * (4 * 0.001))));
     e.Step(5, 1.48);  // 6 periods across the wrap
@@ -84,8 +81,8 @@ TEST(Estimator, NearLimitHysteresisAndClamps) {
     for (int k = 0; k < 7; ++k) {
         e.ref[0] = refs[k];
         e.Step(k + 1, (k + 1) * 0.01);  // 10 units/s
-        EXPECT_TRUE(std::fabs(e.s.velRaw[0] - 10) < 1e-9 &&
-                    std::fabs(e.s.velMeas[0] - 10 * (1 - cut[k])) < 1e-9)
+        EXPECT_ALL(std::fabs(e.s.velRaw[0] - 10) < 1e-9,
+                   std::fabs(e.s.velMeas[0] - 10 * (1 - cut[k])) < 1e-9)
             << refs[k];
     }
     Est c(1, 1, 60, 50);
@@ -100,7 +97,8 @@ TEST(Estimator, NearLimitHysteresisAndClamps) {
     EXPECT_EQ(c.s.velLmtCur[0], 60.0);
     Est big(1000, 4);
     const double s[8] = {1, 1, 1, 1, 1, 1, 1, 1};
-    EXPECT_TRUE(QZNEst_OnDT(&big.s, 0, s, big.out, big.ref) == 1 && big.out[7] == 1.0);
+    EXPECT_EQ(QZNEst_OnDT(&big.s, 0, s, big.out, big.ref), 1);
+    EXPECT_EQ(big.out[7], 1.0);
 }
 
 // With a 4 ms period, 4 calls per sample cost nothing, 5 cost 10, 7 cost 90, 3 cost 10, 6

@@ -26,15 +26,14 @@ TEST(ExampleArm7, ForwardKinematicsAndJacobianMatchKdl) {
             arm7_fk(q, scale, tf);
             ASSERT_EQ(fk.JntToCart(qk, f), 0);
             ASSERT_EQ(jac.JntToJac(qk, jk), 0);
-            for (int r = 0; r < 3; ++r) {
-                EXPECT_EQ(std::memcmp(t, tf, sizeof t), 0);
-                EXPECT_NEAR(t[4 * r + 3], f.p(r), 1e-12 * scale * 1000) << n;
-                for (int c = 0; c < 3; ++c) EXPECT_NEAR(t[4 * r + c], f.M(r, c), 1e-14) << n;
-            }
-            for (int r = 0; r < 6; ++r)
-                for (int c = 0; c < ARM7_JOINTS; ++c)
-                    EXPECT_NEAR(j[7 * r + c], jk(r, c), r < 3 ? 1e-12 * scale * 1000 : 1e-14)
-                        << n << " " << r;
+            EXPECT_EQ(std::memcmp(t, tf, sizeof t), 0);  // the Jacobian's pose is the kinematics'
+            for (int e = 0; e < 12; ++e)
+                EXPECT_NEAR(t[e], e % 4 == 3 ? f.p(e / 4) : f.M(e / 4, e % 4),
+                            e % 4 == 3 ? 1e-12 * scale * 1000 : 1e-14)
+                    << n << " " << e;
+            for (int e = 0; e < 42; ++e)
+                EXPECT_NEAR(j[e], jk(e / 7, e % 7), e < 21 ? 1e-12 * scale * 1000 : 1e-14)
+                    << n << " " << e;
         }
     }
 }

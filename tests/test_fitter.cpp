@@ -10,13 +10,13 @@ TEST(Fitter, StepResponseStartsFromZeroInPlace) {
     std::memset(&s, 0x5a, sizeof s);
     const double alpha[3] = {0.5, 1.0, 0.0};
     OneFitterInit(&s, 3, alpha);
-    for (int i = 0; i < 8; ++i) EXPECT_TRUE(s.state[i] == 0.0 && s.lastOut[i] == 0.0);
+    for (int i = 0; i < 8; ++i) EXPECT_ALL(s.state[i] == 0.0, s.lastOut[i] == 0.0);
     for (int k = 1; k <= 60; ++k) {
         double io[3] = {1.0, -3.0, 9.0};
         ASSERT_EQ(OneFitterRun(&s, io, io), 3);
-        EXPECT_TRUE(SameBits(io[0], 1.0 - std::ldexp(1.0, -k)) && io[1] == -3.0);
+        EXPECT_ALL(SameBits(io[0], 1.0 - std::ldexp(1.0, -k)), io[1] == -3.0);
         EXPECT_TRUE(SameBits(io[2], 0.0));
         for (int i = 0; i < 3; ++i)
-            EXPECT_TRUE(SameBits(s.lastOut[i], io[i]) && SameBits(s.state[i], io[i]));
+            EXPECT_ALL(SameBits(s.lastOut[i], io[i]), SameBits(s.state[i], io[i]));
     }
 }

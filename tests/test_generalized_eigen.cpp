@@ -28,7 +28,7 @@ TEST(GeneralizedEig, RandomPairsSatisfyTheEquationAreBOrthonormalAndMatchEigen) 
             const std::vector<double> a = Stored(A, n, 0.0), b = Stored(B, n, 0.0);
             std::vector<double> V(n * n), lambda(n), a2 = a, b2 = b;
             ASSERT_EQ(s.solve(kEps * norm, a2.data(), b2.data(), V.data(), lambda.data()), 1);
-            ASSERT_TRUE(a2 == a && b2 == b);
+            ASSERT_ALL(a2 == a, b2 == b);
             const Mat Vm = Unstored(V.data(), n, n);
             const Eigen::Map<const Eigen::VectorXd> l(lambda.data(), n);
             EXPECT_LT(MaxAbs(A * Vm - B * Vm * l.asDiagonal()), 3e-7 * norm) << t;

@@ -17,21 +17,13 @@ using qztest::SameBits;
 // finite or too large to resolve into turns give NaN in both.
 TEST(MinDifCircle, FixturesAndUnresolvableDifferences) {
     const double nan = NAN, inf = INFINITY;
-    const double rows[][4] = {{10, 350, 20, -10},
-                              {170, -170, 20, 190},
-                              {0, 180, 180, -180},
-                              {180, 0, 180, 0},
-                              {42.5, 42.5, -0.0, 42.5},
-                              {inf, 0, nan, nan},
-                              {0, inf, nan, nan},
-                              {5, -inf, nan, nan},
-                              {nan, 1, nan, nan},
-                              {1, nan, nan, nan},
-                              {inf, inf, nan, nan},
-                              {1e300, -1e300, nan, nan},
-                              {1e19, 0, nan, nan},
-                              {0x1.0000000000001p62, 0, nan, nan},
-                              {0, 0x1.0000000000001p62, nan, nan}};
+    // clang-format off
+    const double rows[][4] = {
+        {10, 350, 20, -10}, {170, -170, 20, 190}, {0, 180, 180, -180}, {180, 0, 180, 0},
+        {42.5, 42.5, -0.0, 42.5}, {inf, 0, nan, nan}, {0, inf, nan, nan}, {5, -inf, nan, nan},
+        {nan, 1, nan, nan}, {1, nan, nan, nan}, {inf, inf, nan, nan}, {1e300, -1e300, nan, nan},
+        {1e19, 0, nan, nan}, {0x1.0000000000001p62, 0, nan, nan}, {0, 0x1.0000000000001p62, nan, nan}};
+    // clang-format on
     for (const auto &r : rows) {
         double b = r[1];
         const double got = QZ_MinDif_Circle(r[0], &b);

@@ -24,7 +24,7 @@ TEST(PGMatrixInv, UndoesARigidTransformWhateverItsLastRow) {
         T.row(3) << 5.0, -1.0, NAN, 0.0;
         QZ_PGMatrixInv(T.data(), Tg.data());
         ASSERT_TRUE(SameArray(Tg.data(), Ti.data(), 16));
-        if (c == 0) EXPECT_TRUE(std::signbit(Ti(0, 3)) && Ti(0, 3) == 0.0 && Ti(3, 3) == 1.0);
+        if (c == 0) EXPECT_ALL(std::signbit(Ti(0, 3)), Ti(0, 3) == 0.0, Ti(3, 3) == 1.0);
     }
 }
 

@@ -1,5 +1,5 @@
 // Helpers shared by the vector, matrix, inverse and LUP tests: random entries with signed zeros,
-// array comparison to the bit, a reference product and row-pointer matrices.
+// array comparison to the bit and row-pointer matrices.
 #ifndef QZ_TEST_LINALG_SUPPORT_H
 #define QZ_TEST_LINALG_SUPPORT_H
 
@@ -28,19 +28,6 @@ inline ::testing::AssertionResult SameArray(const double *a, const double *b, in
         if (auto r = SameBits(a[i], b[i]); !r) return r << " at element " << i;
     }
     return ::testing::AssertionSuccess();
-}
-
-// Out (m x p) = A (m x k, row stride lda) . B (k x p, row stride ldb), one element at a time, the
-// sum over increasing k started with the first product or, for fromZero, with 0.0.
-inline void RefMul(int m, int k, int p, const double *A, int lda, const double *B, int ldb,
-                   double *Out, bool fromZero) {
-    for (int i = 0; i < m; ++i) {
-        for (int j = 0; j < p; ++j) {
-            double s = fromZero ? 0.0 : A[i * lda] * B[j];  // fromZero also serves k = 0
-            for (int q = fromZero ? 0 : 1; q < k; ++q) s = s + A[i * lda + q] * B[q * ldb + j];
-            Out[i * p + j] = s;
-        }
-    }
 }
 
 // A row-pointer matrix whose rows are separate heap blocks, so that a read past a row's end shows

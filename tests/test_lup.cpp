@@ -62,7 +62,7 @@ TEST(MatLUP, MostNegativeCountReadsAndWritesNothing) {
     double x[2] = {7.0, 7.0};
     for (const int32_t n : {0, -1, INT32_MIN + 1, INT32_MIN}) {
         QZ_LUPSolveEq(nullptr, n, nullptr, b, x);
-        EXPECT_TRUE(SameBits(x[0], 7.0) && SameBits(x[1], 7.0)) << n;
+        EXPECT_ALL(SameBits(x[0], 7.0), SameBits(x[1], 7.0)) << n;
         QZ_MatLUPInv(nullptr, n, nullptr, nullptr);
         EXPECT_TRUE(SameBits(QZ_MatLUPDet(nullptr, n, nullptr), 0.0)) << n;
     }

@@ -71,8 +71,8 @@ TEST(MatrixElementwise, SumsDifferencesAndColumnScalingAlsoInPlace) {
         for (int i = 0; i < count; ++i) ref[i] = op(A, B, i);
         f(A.data(), B.data(), out.data());
         f(inA.data(), B.data(), inA.data());
-        ASSERT_TRUE(SameArray(out.data(), ref.data(), count + 1) &&
-                    SameArray(inA.data(), ref.data(), count));
+        ASSERT_ALL(SameArray(out.data(), ref.data(), count + 1),
+                   SameArray(inA.data(), ref.data(), count));
         if (count == 36) return;  // the diagonal factor d is not an output
         f(A.data(), inB.data(), inB.data());
         ASSERT_TRUE(SameArray(inB.data(), ref.data(), count));
@@ -83,43 +83,49 @@ TEST(MatrixElementwise, SumsDifferencesAndColumnScalingAlsoInPlace) {
     check(36, QZ_MmultDiagM66, [](auto &a, auto &d, int i) { return a[i] * d[i % 6]; });
 }
 
-// Row-pointer matrices of every small size, counts of 0 and below included, written into a 5-by-6
-// grid of sentinels: only the cells of the result may change; an empty inner dimension of a
-// product gives +0.0 sums.
-TEST(MatrixRowPointers, MatchTheLoopAndHonourEmptyCounts) {
-    auto rng = Rng();
-    for (int n = -1; n <= 4; ++n) {
-        for (int m = -1; m <= 4; ++m) {
-            for (int p = -1; p <= 4; ++p) {
-                const int N = std::max(n, 0), M = std::max(m, 0), P = std::max(p, 0);
-                const auto a = RandomEntries(rng, N * M), b = RandomEntries(rng, M * P),
-                           v = RandomEntries(rng, M);
-                std::vector<double> ab(N * P + 1), av(N + 1);
-                Rows A(N, M), B(M, P), O(5, 6, kSentinel), T(5, 6, kSentinel), S(5, 6, kSentinel);
-                for (int i = 0; i < N * M; ++i) A.r[i / M][i % M] = a[i];
-                for (int i = 0; i < M * P; ++i) B.r[i / P][i % P] = b[i];
-                Rows C(A);
-                std::vector<double> out(6, kSentinel);
-                QZ_MatrixMultXmX(A.p(), n, m, B.p(), p, O.p());
-                QZ_MatrixMultVectX(A.p(), n, m, v.data(), out.data());
-                QZ_MatrixTransposeXX(A.p(), n, m, T.p());
-                QZ_MatrixAddX(A.p(), n, m, A.p(), S.p());
-                QZ_MatrixAddX(C.p(), n, m, A.p(), C.p());
-                RefMul(N, M, P, a.data(), M, b.data(), P, ab.data(), true);
-                RefMul(N, M, 1, a.data(), M, v.data(), 1, av.data(), true);
-                for (int i = 0; i < 5; ++i) {
-                    ASSERT_TRUE(SameBits(out[i], i < N ? av[i] : kSentinel));
-                    for (int j = 0; j < 6; ++j) {
-                        ASSERT_TRUE(
-                            SameBits(O.r[i][j], i < N && j < P ? ab[i * P + j] : kSentinel));
-                        ASSERT_TRUE(SameBits(T.r[i][j], i < M && j < N ? a[j * M + i] : kSentinel));
-                        ASSERT_TRUE(
-                            SameBits(S.r[i][j], i < N && j < M ? a[i * M + j] * 2 : kSentinel));
-                        if (i < N && j < M) ASSERT_TRUE(SameBits(C.r[i][j], S.r[i][j]));
-                    }
-                }
-            }
-        }
+// Row-pointer shapes on a worked example, written into 5-by-6 grids of sentinels (rows on separate
+// heap blocks, so that a read past a row shows under the address sanitizer): only the cells of the
+// result change. Counts of 0 and below write nothing; an empty inner dimension of a product gives
+// +0.0 sums.
+TEST(MatrixRowPointers, WorkedExampleAndEmptyCounts) {
+    const double a[6] = {1, 2, 3, 4, 5, 6}, b[6] = {1, 0, 0, 1, 2, -1}, v[3] = {1, -1, 2};
+    const double ab[4] = {7, -1, 16, -1}, at[6] = {1, 4, 2, 5, 3, 6},
+                 twice[6] = {2, 4, 6, 8, 10, 12};
+    const double zeros[4] = {}, av[2] = {5, 11};
+    Rows A(2, 3), B(3, 2);
+    for (int i = 0; i < 6; ++i) A.r[i / 3][i % 3] = a[i], B.r[i / 2][i % 2] = b[i];
+    // Exactly the rows x cols cells of the grid hold want, the rest their sentinel.
+    auto expect = [](const Rows &grid, int rows, int cols, const double *want) {
+        for (int i = 0; i < 5; ++i)
+            for (int j = 0; j < 6; ++j)
+                EXPECT_TRUE(
+                    SameBits(grid.r[i][j], i < rows && j < cols ? want[i * cols + j] : kSentinel))
+                    << i << " " << j;
+    };
+    for (const int32_t e : {1, 0, -1, std::numeric_limits<int32_t>::min()}) {
+        SCOPED_TRACE(e);
+        const int n = e == 1 ? 2 : e;  // e = 1: the example itself; else an empty count
+        Rows O(5, 6, kSentinel), T(5, 6, kSentinel), S(5, 6, kSentinel), C(A), Z(5, 6, kSentinel);
+        double out[3] = {kSentinel, kSentinel, kSentinel},
+               empty[3] = {kSentinel, kSentinel, kSentinel};
+        QZ_MatrixMultXmX(A.p(), n, 3, B.p(), 2, O.p());
+        QZ_MatrixMultXmX(A.p(), 2, 3, B.p(), e == 1 ? 2 : e, O.p());
+        QZ_MatrixMultVectX(A.p(), n, 3, v, out);
+        QZ_MatrixTransposeXX(A.p(), 2, e == 1 ? 3 : e, T.p());
+        QZ_MatrixAddX(A.p(), n, 3, A.p(), S.p());
+        QZ_MatrixAddX(C.p(), 2, e == 1 ? 3 : e, A.p(), C.p());  // the output may be an input
+        const bool full = e == 1;
+        expect(O, full ? 2 : 0, 2, ab);
+        expect(T, full ? 3 : 0, 2, at);
+        expect(S, full ? 2 : 0, 3, twice);
+        for (int i = 0; i < 6; ++i) EXPECT_EQ(C.r[i / 3][i % 3], full ? twice[i] : a[i]);
+        for (int i = 0; i < 3; ++i)
+            EXPECT_TRUE(SameBits(out[i], full && i < 2 ? av[i] : kSentinel));
+        if (full) continue;
+        QZ_MatrixMultXmX(A.p(), 2, e, B.p(), 2, Z.p());  // empty inner dimension
+        QZ_MatrixMultVectX(A.p(), 2, e, v, empty);
+        expect(Z, 2, 2, zeros);
+        for (int i = 0; i < 3; ++i) EXPECT_TRUE(SameBits(empty[i], i < 2 ? 0.0 : kSentinel)) << i;
     }
 }
 

@@ -21,7 +21,7 @@ TEST(SmoothedVelocity, ExactTargetsAndOpenFlagBands) {
         double v;
         QZSMV_OnInit(&s, c.w == 0.0 ? 0.0 : c.w - 0.005, 0.5, 0.1, 0.01);
         QZSMV_OnUpdateV(&s, c.w, &v);
-        EXPECT_TRUE(SameBits(v, c.w) && s.isZero == c.zero && s.isOne == c.one) << c.w;
+        EXPECT_ALL(SameBits(v, c.w), s.isZero == c.zero, s.isOne == c.one) << c.w;
     }
     // A target exactly stepMin away (the difference rounds to 0.5) is outside the open band: the
     // value moves by stepMin to 0.5 and does not jump to the target one ulp beyond.

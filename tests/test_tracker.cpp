@@ -21,30 +21,18 @@ double Step(QZVDTState &s, double target) {
     return out;
 }
 
-// Cruising at 100 units/s (limits 100 and 100, 4 ms cycle), its speed risen from rest by exactly
-// accLmt * dt a step until clipped.
+// Cruising at 100 units/s (limits 100 and 100, 4 ms cycle).
 QZVDTState Cruising() {
     QZVDTState s = Fresh(4.0, 100.0, 100.0);
-    for (int k = 0; k <= 400; ++k) {
-        const double v0 = s.vel;
-        Step(s, k ? 1e4 : 0.0);
-        if (k && k <= 250) EXPECT_NEAR(s.vel - v0, 0.4, 1e-12) << k;
-    }
+    for (int k = 0; k <= 400; ++k) Step(s, k ? 1e4 : 0.0);
     EXPECT_EQ(s.vel, 100.0);
     return s;
 }
 
-TEST(Tracker, InitClampsRefusesBeforeInitAndSnapsFirst) {
-    const double rows[][6] = {// cycleMs, vel, acc -> dt, velLmt, accLmt
-                              {4, 50, 100, 0.004, 50, 100},    {0.5, 0.05, 0.5, 0.001, 0.1, 1},
-                              {1000, 300, 5000, 1, 200, 1000}, {2000, 200, 1000, 1, 200, 1000},
-                              {4, NAN, NAN, 0.004, 200, 1000}, {-5, -1, -1, 0.001, 0.1, 1}};
-    for (const auto &r : rows) {
-        const QZVDTState s = Fresh(r[0], r[1], r[2]);
-        EXPECT_EQ(s.dt, r[3]) << r[0];
-        EXPECT_EQ(s.velLmt, r[4]) << r[1];
-        EXPECT_EQ(s.accLmt, r[5]) << r[2];
-    }
+// Every call but the initialisation is refused before it, touching nothing; the first step after
+// initialisation or emptying puts the axis at its target, at rest. The initialisation's clamps
+// are pinned bit for bit by the golden vectors.
+TEST(Tracker, RefusesBeforeInitAndSnapsFirst) {
     QZVDTState z{}, before{};
     z.pos = before.pos = 7.0;
     double out = -3.0;
@@ -69,7 +57,7 @@ TEST(Tracker, InitClampsRefusesBeforeInitAndSnapsFirst) {
 TEST(Tracker, RunTimeLimitsDeadBandAndPending) {
     QZVDTState s = Cruising();
     QZVDT_OnSetRunTimeVel(&s, 60.0);
-    EXPECT_TRUE(s.velLmtPending == 1 && s.velLmt == 100.0 && s.velLmtTarget == 60.0);
+    EXPECT_ALL(s.velLmtPending == 1, s.velLmt == 100.0, s.velLmtTarget == 60.0);
     const double dead[][2] = {{60.05, 100.09}, {60.05, -1}, {-1, 100.09}};
     for (const auto &d : dead) {
         const QZVDTState before = s;
@@ -86,10 +74,10 @@ TEST(Tracker, RunTimeLimitsDeadBandAndPending) {
     QZVDT_OnSetRunTimeAcc(&s, 0.2);
     QZVDT_OnSetRunTimeVel(&s, qztest::NextUp(0.1));
     QZVDT_OnSetRunTimeAcc(&s, qztest::NextUp(0.1));
-    EXPECT_TRUE(s.velLmtTarget == 0.2 && s.accLmt == 0.2);
+    EXPECT_ALL(s.velLmtTarget == 0.2, s.accLmt == 0.2);
     QZVDT_OnSetRunTimeVel(&s, 0.1);  // 0.2 - 0.1 is exactly 0.1
     QZVDT_OnSetRunTimeAcc(&s, 0.1);
-    EXPECT_TRUE(s.velLmtTarget == 0.1 && s.accLmt == 0.1);
+    EXPECT_ALL(s.velLmtTarget == 0.1, s.accLmt == 0.1);
     QZVDTState r = Fresh(4.0, 100.0, 100.0);
     for (int k = 0; k <= 50; ++k) Step(r, k ? 1e4 : 0.0);  // speed 20
     for (double v : {30.0, 500.0}) {

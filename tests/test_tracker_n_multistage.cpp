@@ -1,5 +1,6 @@
-// N-axis multi-stage tracker: jerk clamping and spans, lifecycle, the sticky target-jump flag and
-// the re-summation of one axis per call after 1000 steps. Long runs are the soak's business.
+// N-axis multi-stage tracker: lifecycle, the sticky target-jump flag and the re-summation of one
+// axis per call after 1000 steps. The jerk clamps and spans of initialisation are pinned by the
+// golden vectors; long runs are the soak's business.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -20,28 +21,6 @@ void RandomAxes(std::mt19937_64 &rng, double *v, double *a, double *j, double *t
         j[i] = qztest::Uniform(rng, 2000, 1e6), t[i] = qztest::Uniform(rng, -50, 50);
 }
 
-TEST(TrackerNMultistage, InitClampsJerkInPlaceAndChoosesSpanByMode) {
-    const double v[8] = {10, 10, 10, 10, 10, 10, 10, 10},
-                 a[8] = {100, 100, 100, 10, 100, 5000, 100, 100};
-    double j[8] = {500, 5e7, 1000, 1000, 1e7, 2e4, NAN, qztest::NextUp(1e7)};
-    const double clamped[8] = {1000, 1e7, 1000, 1000, 1e7, 2e4, NAN, 1e7};
-    const int span[8] = {100, 5, 100, 10, 5, 100, 5, 5};
-    QZNSyncDTSMState s{};
-    EXPECT_EQ(QZNSyncDTS_OnInitM(&s, 9, 1.0, v, a, j, 0), 0);
-    EXPECT_EQ(j[0], 500);  // untouched when refused
-    ASSERT_EQ(QZNSyncDTS_OnInitM(&s, 8, 1.0, v, a, j, 0), 1);
-    for (int i = 0; i < 8; ++i) {
-        EXPECT_TRUE(SameBits(j[i], clamped[i])) << i;
-        EXPECT_EQ(s.avgLen[i], span[i]) << i;
-        EXPECT_EQ(s.avgLenD[i], span[i]) << i;
-    }
-    for (int mode : {1, 2, -1}) {
-        ASSERT_EQ(QZNSyncDTS_OnInitM(&s, 3, 1.0, v, a, j, mode), 1);
-        for (int i = 0; i < 3; ++i) EXPECT_EQ(s.avgLen[i], mode == 1 ? 5 : 20) << mode;
-        EXPECT_EQ(s.axis[2].mode, mode);
-    }
-}
-
 // Refusals before initialisation and while a reset is pending; the reset step outputs the
 // targets at rest; run-time limits go through each axis's mode (mode 1: 69/90 on stage 0).
 TEST(TrackerNMultistage, LifecycleAndReaders) {
@@ -54,14 +33,12 @@ TEST(TrackerNMultistage, LifecycleAndReaders) {
     EXPECT_EQ(p[0], 9);
     ASSERT_EQ(QZNSyncDTS_OnInitM(&s, 2, 4.0, v, a, j, 1), 1);
     for (int round = 0; round < 2; ++round) {
-        EXPECT_TRUE(QZNSyncDTS_OnDT_UM(&s, p) == 0 &&
-                    QZNSyncDTS_OnGetCurPVAM(&s, tt, p, vv, aa) == 0 &&
-                    QZNSyncDTS_OnGetCurPVA_UM(&s, p, vv, aa) == 1);
-        ASSERT_TRUE(QZNSyncDTS_OnDTM(&s, t, p) == 1 &&
-                    QZNSyncDTS_OnGetCurPVAM(&s, tt, p, vv, aa) == 1);
+        EXPECT_ALL(QZNSyncDTS_OnDT_UM(&s, p) == 0, QZNSyncDTS_OnGetCurPVAM(&s, tt, p, vv, aa) == 0,
+                   QZNSyncDTS_OnGetCurPVA_UM(&s, p, vv, aa) == 1);
+        ASSERT_EQ(QZNSyncDTS_OnDTM(&s, t, p), 1);
+        ASSERT_EQ(QZNSyncDTS_OnGetCurPVAM(&s, tt, p, vv, aa), 1);
         for (int i = 0; i < 2; ++i)
-            EXPECT_TRUE(p[i] == t[i] && tt[i] == t[i] && s.rawPos[i] == t[i] && vv[i] == 0 &&
-                        aa[i] == 0);
+            EXPECT_ALL(p[i] == t[i], tt[i] == t[i], s.rawPos[i] == t[i], vv[i] == 0, aa[i] == 0);
         for (int k = 0; k < 20; ++k) ASSERT_EQ(QZNSyncDTS_OnDT_UM(&s, p), 1);
         ASSERT_EQ(QZNSyncDTS_OnEmptyM(&s), 1);
         t[0] = 100;
@@ -81,36 +58,27 @@ TEST(TrackerNMultistage, TargetJumpIsStrictAndSticky) {
     QZNSyncDTS_OnDTM(&s, t, p);
     t[0] = 1.0, t[1] = qztest::NextUp(1.0);  // exactly 1% of 100, and one ulp more
     QZNSyncDTS_OnDTM(&s, t, p);
-    EXPECT_EQ(s.axis[0].targetJump, 0);
-    EXPECT_EQ(s.axis[1].targetJump, 1);
+    EXPECT_ALL(s.axis[0].targetJump == 0, s.axis[1].targetJump == 1);
     t[0] = 1.5;
     for (int k = 0; k < 10; ++k) QZNSyncDTS_OnDTM(&s, t, p);
     QZNSyncDTS_OnEmptyM(&s);
     QZNSyncDTS_OnDTM(&s, t, p);
-    EXPECT_TRUE(s.axis[0].targetJump == 0 && s.axis[1].targetJump == 1);
+    EXPECT_ALL(s.axis[0].targetJump == 0, s.axis[1].targetJump == 1);
     QZNSyncDTS_OnInitM(&s, 2, 4.0, v, a, j, 2);
     EXPECT_EQ(s.axis[1].targetJump, 0);
 }
 
 // All counters pass 1000 on the same call: axis 0 is re-summed then, axis 1 on the next call
-// and so on, through either step operation, each to the exact sum of its ring. On the way, an
-// aliased target and output array gives the same bits, and the axis beyond the count stays
-// untouched.
+// and so on, through either step operation, each to the exact sum of its ring; the axis beyond
+// the count stays untouched.
 TEST(TrackerNMultistage, ResummationTakesOneAxisPerCallInOrder) {
     auto rng = qztest::Rng();
     const int n = 7;
     double v[8], a[8], j[8], t[8], p[8];
     RandomAxes(rng, v, a, j, t);
-    QZNSyncDTSMState s{}, alias{};
+    QZNSyncDTSMState s{};
     ASSERT_EQ(QZNSyncDTS_OnInitM(&s, n, 1.0, v, a, j, 0), 1);
-    ASSERT_EQ(QZNSyncDTS_OnInitM(&alias, n, 1.0, v, a, j, 0), 1);
-    for (int k = 0; k <= 1000; ++k) {
-        double pa[8];
-        std::memcpy(pa, k ? t : v, sizeof pa);
-        QZNSyncDTS_OnDTM(&s, k ? t : v, p);
-        QZNSyncDTS_OnDTM(&alias, pa, pa);  // the target array may be the output
-        for (int i = 0; i < n; ++i) ASSERT_TRUE(SameBits(p[i], pa[i])) << k;
-    }
+    for (int k = 0; k <= 1000; ++k) QZNSyncDTS_OnDTM(&s, k ? t : v, p);
     for (int call = 0; call < n; ++call) {
         ASSERT_EQ(call % 2 ? QZNSyncDTS_OnDT_UM(&s, p) : QZNSyncDTS_OnDTM(&s, t, p), 1);
         for (int i = 0; i < n; ++i)

@@ -9,6 +9,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <random>
+#include <sstream>
+#include <string>
 
 namespace qztest {
 
@@ -40,9 +42,29 @@ inline std::uint64_t Bits(double x) {
 // Bit-for-bit equality, so that -0.0 != +0.0 and a NaN equals the same NaN.
 inline ::testing::AssertionResult SameBits(double a, double b) {
     if (Bits(a) == Bits(b)) return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure()
-           << a << " (0x" << std::hex << Bits(a) << ") vs " << b << " (0x" << Bits(b) << ")";
+    std::ostringstream m;  // one stream: the failure message would drop std::hex between parts
+    m << a << " (0x" << std::hex << Bits(a) << ") vs " << std::dec << b << " (0x" << std::hex
+      << Bits(b) << ")";
+    return ::testing::AssertionFailure() << m.str();
 }
+
+// Every condition holds; a failure names the first that does not (1-based, as listed) with its
+// own message. EXPECT_ALL(a, b, c) reads like EXPECT_TRUE(a && b && c) but says which one broke.
+template <class... C>
+::testing::AssertionResult All(const char *text, const C &...conditions) {
+    int k = 0, failed = 0;
+    std::string why;
+    (void)((++k,
+            bool(conditions)
+                ? true
+                : (failed = k, why = ::testing::AssertionResult(conditions).message(), false)) &&
+           ...);
+    if (!failed) return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "condition " << failed << " of (" << text << ") fails"
+                                         << (why.empty() ? "" : ": ") << why;
+}
+#define EXPECT_ALL(...) EXPECT_TRUE(qztest::All(#__VA_ARGS__, __VA_ARGS__))
+#define ASSERT_ALL(...) ASSERT_TRUE(qztest::All(#__VA_ARGS__, __VA_ARGS__))
 
 inline double NextUp(double x) { return std::nextafter(x, INFINITY); }
 inline double NextDown(double x) { return std::nextafter(x, -INFINITY); }

@@ -1,8 +1,6 @@
 """What the binding does on top of the C calls: arguments reach the right parameters, shapes
 dispatch to the right routine, batches equal element-by-element calls, results come back as
 arrays, and bad input raises or warns. The mathematics itself is tested in C++."""
-import os
-import time
 import warnings
 
 import numpy as np
@@ -26,8 +24,8 @@ def test_batches_broadcast_and_equal_the_single_calls():
     m = Q.to_matrix(q)
     assert m.shape == (10, 3, 3) and Q.from_matrix(m).shape == (10, 4)
     assert np.allclose(Q.to_matrix(Q.multiply(q, r)), m @ Q.to_matrix(r))  # a first, then b
-    assert np.array_equal(Q.multiply(q, r[0])[3], Q.multiply(q[3], r[0]))  # broadcast
-    assert np.array_equal(Q.multiply(q.reshape(2, 5, 4), r[0]).reshape(10, 4), Q.multiply(q, r[0]))
+    # a batch of 2 x 5 against one quaternion: each element as the single call
+    assert np.array_equal(Q.multiply(q.reshape(2, 5, 4), r[0])[1, 3], Q.multiply(q[8], r[0]))
     t = np.linspace(0.0, 1.0, 7)
     path = Q.slerp(q[0], q[1], t)
     assert path.shape == (7, 4) and np.array_equal(path[2], Q.slerp(q[0], q[1], t[2]))
@@ -65,18 +63,13 @@ def test_matrix_shapes_dispatch_and_come_back_as_arrays():
     for j in (RNG.normal(size=(6, 7)), RNG.normal(size=(7, 6))):
         assert L.pinv(j).shape == j.shape[::-1] and np.allclose(j @ L.pinv(j) @ j, j)
     sym = np.array([[2.0, 1.0, 0.0], [1.0, 3.0, 0.5], [0.0, 0.5, 1.0]])
-    lup = L.LUP(sym)
-    assert np.allclose(lup.solve([1, 2, 3]), np.linalg.solve(sym, [1, 2, 3]))
-    values, vectors = L.eig(sym)
-    for lam, x in zip(values, vectors):  # vectors[k] belongs to values[k]
-        assert np.allclose(sym @ x, lam * x)
-    b, a = np.eye(6) + 0.1, np.diag([1.0, -2.0, 3.0, 4.0, -5.0, 6.0])
-    for lam, x in zip(*L.generalized_eig(a, b)):
-        assert np.allclose(a @ x, lam * (b @ x))
+    assert np.allclose(L.LUP(sym).solve([1, 2, 3]), np.linalg.solve(sym, [1, 2, 3]))
+    h, g = np.eye(6) + 0.1, np.diag([1.0, -2.0, 3.0, 4.0, -5.0, 6.0])
+    for (lam, x), a, b in ((L.eig(sym), sym, np.eye(3)), (L.generalized_eig(g, h), g, h)):
+        assert np.allclose(a @ x.T, (b @ x.T) * lam)  # vectors[k] belongs to values[k]
     assert np.allclose(L.cholesky(sym) @ L.cholesky(sym).T, sym) and L.vmv([1, 2, 0], sym) == 18.0
     assert L.cross([1, 0, 0], [0, 1, 0]).tolist() == [0.0, -0.0, 1.0]
-    unit, dist = L.direction([1, 1, 1], [1, 1, 3])
-    assert unit.tolist() == [0.0, 0.0, 1.0] and dist == 2.0
+    assert np.hstack(L.direction([1, 1, 1], [1, 1, 3])).tolist() == [0.0, 0.0, 1.0, 2.0]
     assert qzmath.point_to_line([0, 0, 0], [2, 0, 0], [1, 3, 4]).tolist() == [1.0, 0.0, 0.0]
     assert qzmath.square_solve(1, -3, 2).tolist() == [1.0, 2.0]
     assert qzmath.min_dif_circle(10.0, 350.0) == (20.0, -10.0)
@@ -99,7 +92,6 @@ BAD = [  # call, exception, message naming the parameter
     (lambda: qzmath.AveragingFilter(2.0, 4, 0.001), TypeError, "^channels: "),
     (lambda: Q.to_matrix(np.ones((10, 3))), ValueError, r"^q: expected shape \(\.\.\., 4\)"),
     (lambda: Q.multiply(np.ones((2, 4)), np.ones((3, 4))), ValueError, "^a, b: batch shapes"),
-    (lambda: L.pinv(np.ones(42)), ValueError, "^m: "),
     (lambda: L.inverse(np.ones(49)), ValueError, "^m: "),
     (lambda: qzmath.SmoothedTracker(4, [1] * 3, [1] * 2, [1] * 3), ValueError, "^acc_limits: "),
     (lambda: qzmath.Tracker(4, 50, 100).run(np.ones((5, 2))), ValueError, "^targets: "),
@@ -160,10 +152,9 @@ def test_every_tracker_runs_both_forms_into_arrays():
         one = new().run(target, cycles=50)
         rows = new().run(np.broadcast_to(target, (50,) + np.shape(target)))
         assert one.pos.shape == (50,) + np.shape(target)
-        for a, b in zip(one, rows):
-            assert (a is None and b is None) or np.array_equal(a, b)
-        tracker = new()
-        assert np.array_equal([tracker.step(target) for _ in range(50)], one.pos)
+        assert all((a is None and b is None) or np.array_equal(a, b) for a, b in zip(one, rows))
+        step = new().step
+        assert np.array_equal([step(target) for _ in range(50)], one.pos)
     arm = make[2][0]()
     assert arm.spans.tolist() == [25, 30, 3]
     with pytest.raises(qzmath.StateError):
@@ -174,12 +165,3 @@ def test_every_tracker_runs_both_forms_into_arrays():
     assert np.array_equal(now.pos, path.pos[-1]) and np.array_equal(now.acc, path.acc[-1])
     arm.state.axisNum = 100  # a copy: the record itself cannot be corrupted
     assert arm.hold().shape == (3,)
-
-
-def test_a_seven_axis_run_of_100000_cycles_takes_under_a_second():
-    if os.environ.get("LD_PRELOAD"):
-        pytest.skip("timed on a plain build")
-    arm = qzmath.SmoothedTracker(4.0, [98.0] * 7, [300.0] * 7, [3000.0] * 7)
-    start = time.perf_counter()
-    path = arm.run(np.full(7, 10.0), cycles=100000)
-    assert time.perf_counter() - start < 1.0 and path.pos.shape == (100000, 7)
