@@ -96,13 +96,16 @@ TEST(CppApi, ShapesAndDecompositionsGiveTheBitsOfTheirCFunctions) {
     const auto m7 = Random<qz::Mat<7, 7>>(), s7 = Spd<7>(), b7 = Spd<7>();
     const auto m6 = Random<qz::Mat6>(), s6 = Spd<6>();
     const auto v6 = Random<qz::Vec<6>>();
-    const auto v7 = Random<qz::Vec<7>>();
+    const auto v7 = Random<qz::Vec<7>>(), w7 = Random<qz::Vec<7>>();
     const auto r = Random<qz::Mat3>();  // the Jacobian transforms only multiply by it
     EXPECT_TRUE(Same(qz::mul(j67, m7), C(QZ_MatrixMult6777, j67, m7)));
     EXPECT_TRUE(Same(qz::mul(j67, j76), C(QZ_MatrixMult6776, j67, j76)));
     EXPECT_TRUE(Same(qz::mul(j67, v7), C(QZ_Matrix67MultVect7, j67, v7)));
     EXPECT_TRUE(Same(qz::mul(j76, v6), C(QZ_Matrix76MultVect6, j76, v6)));
     EXPECT_TRUE(Same(qz::mul(m6, v6), C(QZ_MatrixMultVect6, m6, v6)));
+    EXPECT_TRUE(Same(qz::sub(v7, w7), C(QZ_VectSub, v7, 7, w7)));
+    EXPECT_TRUE(Same(qz::scale(v7, 0.3), C(QZ_VectScale, v7, 7, 0.3)));
+    EXPECT_TRUE(qztest::SameBits(qz::dot(v7, w7), QZ_VectDot(v7.data(), w7.data(), 7)));
     EXPECT_TRUE(Same(qz::mul(v7, m7), C(QZ_VMmult1777, v7, m7)));
     EXPECT_TRUE(Same(j76, C(QZ_Mat67Transpose, j67)));
     EXPECT_TRUE(Same(qz::pinv(j67).value(), C(QZ_RightPsoInv67, j67)));
@@ -174,6 +177,7 @@ TEST(CppApi, OrientationsAndPosesGiveTheBitsOfTheirCFunctions) {
     EXPECT_TRUE(Same(qz::rotation(p), C(QZ_Quaternion2Matrix3, p)));
     EXPECT_TRUE(Same(pq, C(QZ_Matrix2PosQuat, t)));
     EXPECT_TRUE(Same(qz::transform(pq), C(QZ_PosQuat2Matrix, pq)));
+    EXPECT_TRUE(Same(qz::rigid_inverse(t), C(QZ_PGMatrixInv, t)));
     // The unit is in the type: the C names of the XYZ extractions carry the opposite unit.
     EXPECT_TRUE(Same(qz::pose_xyz<qz::Deg>(t), C(QZ_Matrix2XYZABC4ARC_XYZ, t)));
     EXPECT_TRUE(Same(prad, C(QZ_Matrix2XYZABC4DEG_XYZ, t)));

@@ -17,30 +17,9 @@ namespace {
 
 using Trace = std::vector<std::uint64_t>;
 
-// Runs work(0) and work(1) alone, then three times on two threads started together so that the
-// calls overlap; each thread must get the bits it got alone.
-template <class Work>
-void ExpectSameBitsWhenOverlapping(Work work) {
-    const Trace alone[2] = {work(0), work(1)};
-    ASSERT_NE(alone[0], alone[1]);  // the workers' inputs differ
-    for (int round = 0; round < 3; ++round) {
-        std::atomic<int> ready{0};
-        Trace got[2];
-        auto run = [&](int salt) {
-            ready.fetch_add(1);
-            while (ready.load() < 2) {}
-            got[salt] = work(salt);
-        };
-        std::thread a(run, 0), b(run, 1);
-        a.join(), b.join();
-        EXPECT_TRUE(got[0] == alone[0]) << "round " << round;
-        EXPECT_TRUE(got[1] == alone[1]) << "round " << round;
-    }
-}
-
 // generalized_eig7 keeps nothing between calls: two threads solving different problems at once,
-// one of them failing every other call after three columns of the factor, each get the bits they
-// get alone.
+// one of them failing every other call after three columns of the factor, started together so
+// that the calls overlap, each get the bits they get alone, three rounds running.
 TEST(Threads, GeneralizedEig7CallsMayOverlap) {
     auto work = [](int salt) {
         Trace tr;
@@ -61,7 +40,20 @@ TEST(Threads, GeneralizedEig7CallsMayOverlap) {
         }
         return tr;
     };
-    ExpectSameBitsWhenOverlapping(work);
+    const Trace alone[2] = {work(0), work(1)};
+    for (int round = 0; round < 3; ++round) {
+        std::atomic<int> ready{0};
+        Trace got[2];
+        auto run = [&](int salt) {
+            ready.fetch_add(1);
+            while (ready.load() < 2) {}
+            got[salt] = work(salt);
+        };
+        std::thread a(run, 0), b(run, 1);
+        a.join(), b.join();
+        EXPECT_TRUE(got[0] == alone[0]) << "round " << round;
+        EXPECT_TRUE(got[1] == alone[1]) << "round " << round;
+    }
 }
 
 }  // namespace

@@ -17,7 +17,8 @@ using qztest::SameBits;
 // OnDT_NoChange and an aliased target/output array all give the bits of OnDT.
 TEST(TrackerN, LifecycleAndStepVariantsAgree) {
     auto rng = qztest::Rng();
-    double v[8], a[8], j[8], t[8] = {}, p[8], p2[8], v2[8], a2[8], pa[8], pn[8], tt[8];
+    double v[8], a[8], j[8], t[8] = {0, 0, 0, 0, 0, 0, 0, 99}, p[8], p2[8], v2[8], a2[8], pa[8],
+                             pn[8], tt[8];
     for (int i = 0; i < 8; ++i)
         v[i] = qztest::Uniform(rng, 20, 150), a[i] = qztest::Uniform(rng, 20, 900),
         j[i] = qztest::Uniform(rng, 200, 4e4);
@@ -44,6 +45,7 @@ TEST(TrackerN, LifecycleAndStepVariantsAgree) {
     }
     ASSERT_EQ(QZNSyncDTS_OnGetCurPVA(&s[0], tt, p, v2, a2), 1);
     EXPECT_ALL(tt[6] == t[6], p[6] == s[0].pos[6], v2[6] == s[0].vel[6]);
+    EXPECT_EQ(s[0].target[7], 0.0);  // the axis beyond the count is never read or written
 }
 
 }  // namespace

@@ -77,6 +77,7 @@ TEST(TrackerNMultistage, ResummationTakesOneAxisPerCallInOrder) {
     double v[8], a[8], j[8], t[8], p[8];
     RandomAxes(rng, v, a, j, t);
     QZNSyncDTSMState s{};
+    ASSERT_EQ(QZNSyncDTS_OnInitM(&s, 8, 1.0, v, a, j, 0), 1);  // all eight axes are taken
     ASSERT_EQ(QZNSyncDTS_OnInitM(&s, n, 1.0, v, a, j, 0), 1);
     for (int k = 0; k <= 1000; ++k) QZNSyncDTS_OnDTM(&s, k ? t : v, p);
     for (int call = 0; call < n; ++call) {
