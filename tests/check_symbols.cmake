@@ -3,7 +3,15 @@
 # SRC_DIR, VERSION_NODE.
 find_program(NM NAMES nm REQUIRED)
 find_program(READELF NAMES readelf REQUIRED)
+find_program(OBJDUMP NAMES objdump REQUIRED)
 include(${CMAKE_CURRENT_LIST_DIR}/../cmake/QZPublicApi.cmake)
+
+# Runs a tool (a failure stops the check) and sets var to its output as a list of lines.
+function(qz_output_lines var)
+  execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE out COMMAND_ERROR_IS_FATAL ANY)
+  string(REPLACE "\n" ";" out "${out}")
+  set(${var} "${out}" PARENT_SCOPE)
+endfunction()
 
 # Functions declared in the public headers, the generated version header among them.
 file(GLOB headers ${INCLUDE_DIR}/*.h ${GEN_INCLUDE_DIR}/*.h)
@@ -11,9 +19,7 @@ qz_public_functions(declared ${headers})
 list(LENGTH declared n_declared)
 
 # Functions the library exports, each under the version node VERSION_NODE (QZMATH_1.0).
-execute_process(COMMAND ${NM} -D --defined-only --with-symbol-versions ${LIB} OUTPUT_VARIABLE out
-  COMMAND_ERROR_IS_FATAL ANY)
-string(REPLACE "\n" ";" lines "${out}")
+qz_output_lines(lines ${NM} -D --defined-only --with-symbol-versions ${LIB})
 set(exported "")
 foreach(l ${lines})
   if(l MATCHES "^[0-9a-f]+ [TWiV] ([^ @]+)(@*)([^ ]*)$")
@@ -42,8 +48,7 @@ endif()
 # The library never reaches its own functions through the dynamic linker: a relocation against
 # one of its exported names (a call through the PLT, an address through the GOT) would let any
 # other definition of that name in the process replace the library's own.
-execute_process(COMMAND ${READELF} -rW ${LIB} OUTPUT_VARIABLE out COMMAND_ERROR_IS_FATAL ANY)
-string(REPLACE "\n" ";" lines "${out}")
+qz_output_lines(lines ${READELF} -rW ${LIB})
 foreach(l ${lines})
   if(l MATCHES "^[0-9a-f]+ +[0-9a-f]+ +[A-Z0-9_]+ +[0-9a-f]+ +([A-Za-z_][A-Za-z_0-9]*)")
     list(FIND declared ${CMAKE_MATCH_1} at)
@@ -54,9 +59,7 @@ foreach(l ${lines})
 endforeach()
 # The same at the source: no object file of the library refers to an exported name it does not
 # define (link-time binding would hide such a call in the shared library, not in a static link).
-execute_process(COMMAND ${NM} -A --undefined-only ${STATIC_LIB} OUTPUT_VARIABLE out
-  COMMAND_ERROR_IS_FATAL ANY)
-string(REPLACE "\n" ";" lines "${out}")
+qz_output_lines(lines ${NM} -A --undefined-only ${STATIC_LIB})
 foreach(l ${lines})
   if(l MATCHES "^[^:]*:([^:]+): +U ([A-Za-z_][A-Za-z_0-9]*)$")
     list(FIND declared ${CMAKE_MATCH_2} at)
@@ -69,9 +72,7 @@ endforeach()
 # No writable static storage in any object file (static or thread-local variables, function-local
 # statics, zero-initialised or not): every call keeps its state in the caller's records and on its
 # own stack, so calls on separate records may overlap from any number of threads.
-find_program(OBJDUMP NAMES objdump REQUIRED)
-execute_process(COMMAND ${OBJDUMP} -t ${STATIC_LIB} OUTPUT_VARIABLE out COMMAND_ERROR_IS_FATAL ANY)
-string(REPLACE "\n" ";" lines "${out}")
+qz_output_lines(lines ${OBJDUMP} -t ${STATIC_LIB})
 foreach(l ${lines})
   # Objects and thread-local objects of nonzero size in .data, .bss, .tdata or .tbss (the zero-size
   # entries there are the sections' own symbols).
@@ -81,8 +82,7 @@ foreach(l ${lines})
 endforeach()
 
 # Imports: nothing from the allocator, stdio, iostreams, exceptions or threads.
-execute_process(COMMAND ${NM} -D --undefined-only ${LIB} OUTPUT_VARIABLE out COMMAND_ERROR_IS_FATAL ANY)
-string(REPLACE "\n" ";" lines "${out}")
+qz_output_lines(lines ${NM} -D --undefined-only ${LIB})
 set(forbidden "^(malloc|calloc|realloc|free|aligned_alloc|posix_memalign|memalign|valloc|_Zn[wa]|_Zd[la]|.*printf|puts|putchar|fputs|fputc|fwrite|fread|fopen|fclose|fflush|perror|_ZSt4cout|_ZSt4cerr|_ZNSo|_ZNSi|__cxa_throw|__cxa_allocate_exception|__cxa_guard|pthread_|abort|exit|__assert_fail|syscall)")
 foreach(l ${lines})
   string(REGEX REPLACE "^ *[A-Za-z] " "" sym "${l}")
