@@ -16,6 +16,7 @@
 //     (B = -pi/2), the only combination the matrix still defines.
 #include "QZMatrix.h"
 
+#include <cstddef>
 #include <cstdint>
 
 #include "QZBaseMath/scalar_inline.h"
@@ -52,7 +53,7 @@ void XyzBlock(double sA, double cA, double sB, double cB, double sC, double cC, 
 // XYZ rotation of the angle triple abc (radians, or degrees when Deg) into the 3x3 block.
 template <int Stride, bool Deg>
 void XyzFromAngles(const double *abc, double *r) {
-    double sA, cA, sB, cB, sC, cC;
+    double sA = 0.0, cA = 0.0, sB = 0.0, cB = 0.0, sC = 0.0, cC = 0.0;
     if (Deg) {
         SinCosDeg(abc[0], &sA, &cA);
         SinCosDeg(abc[1], &sB, &cB);
@@ -152,7 +153,7 @@ using namespace qz::detail;
 extern "C" {
 
 QZ_API void QZ_RotXARC(double angle, double *r) {
-    double s, c;
+    double s = 0.0, c = 0.0;
     SinCosArc(angle, &s, &c);
     r[0] = 1.0;
     r[1] = 0.0;
@@ -166,7 +167,7 @@ QZ_API void QZ_RotXARC(double angle, double *r) {
 }
 
 QZ_API void QZ_RotYARC(double angle, double *r) {
-    double s, c;
+    double s = 0.0, c = 0.0;
     SinCosArc(angle, &s, &c);
     r[0] = c;
     r[1] = 0.0;
@@ -180,7 +181,7 @@ QZ_API void QZ_RotYARC(double angle, double *r) {
 }
 
 QZ_API void QZ_RotZARC(double angle, double *r) {
-    double s, c;
+    double s = 0.0, c = 0.0;
     SinCosArc(angle, &s, &c);
     r[0] = c;
     r[1] = -s;
@@ -266,7 +267,7 @@ QZ_API void QZ_CALC_TRANS_FROM_Rotxyz(const double *abc, double *r) {
 
 // out = T * Rz, Rz given by (c, s) as used (not normalised); the origin column is kept.
 QZ_API void QZ_XYZMRot(const double *t, double c, double s, double *out) {
-    for (int i = 0; i < 3; ++i) {
+    for (std::ptrdiff_t i = 0; i < 3; ++i) {
         const double *ti = t + 4 * i;
         double *oi = out + 4 * i;
         oi[0] = ti[0] * c + ti[1] * s;

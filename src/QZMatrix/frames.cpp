@@ -16,7 +16,7 @@ constexpr double kParallelTol = 1e-8;
 
 // Sorts three values into ascending order.
 inline void Sort3(double &a, double &b, double &c) {
-    double t;
+    double t = 0.0;
     if (b < a) {
         t = a;
         a = b;
