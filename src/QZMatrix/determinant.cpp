@@ -49,6 +49,7 @@ double Determinant(const double *A, std::int32_t n) {
         }
         minor[set] = det;
     }
+    // cppcheck-suppress uninitvar ; n >= 2 here, so the loop has written every minor up to all
     return minor[all];
 }
 

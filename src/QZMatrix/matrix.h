@@ -101,6 +101,7 @@ inline void MatMulRows(const double *A, const double *B, double *Out) {
 // the running sum over increasing k, started as S says.
 template <int M, int K, int P, Start S, int LDA = K, int LDB = P>
 inline void MatMul(const double *A, const double *B, double *Out) {
+    // cppcheck-suppress redundantCondition ; sizes are parameters, some instantiations repeat one
     static_assert(M > 0 && K > 0 && P > 0, "empty products have no fixed shape");
     // Rows taken together: up to four when a row's sums fit in two registers, else two, so that
     // the running sums and one row of B stay within the sixteen vector registers.
@@ -126,6 +127,7 @@ inline void MatMul(const double *A, const double *B, double *Out) {
 // still in increasing k.
 template <int M, int K, Start S, int LD = K>
 inline void MatVec(const double *Mat, const double *v, double *out) {
+    // cppcheck-suppress redundantCondition ; sizes are parameters, some instantiations repeat one
     static_assert(M > 0 && K > 0, "empty products have no fixed shape");
     for (std::ptrdiff_t i = 0; i + 1 < M; i += 2) {
         const double *m0 = Mat + i * LD;
