@@ -17,5 +17,6 @@ QZ_DOCS_PACKAGES="doxygen python3"
 # Static analysis of the library's sources and C++ headers (scripts/static-analysis.sh); Eigen for
 # qzmath/eigen.hpp.
 QZ_ANALYSIS_PACKAGES="$QZ_BUILD_PACKAGES clang clang-tidy cppcheck libeigen3-dev"
-# Line and branch coverage of src/ by the unit tests and the golden vectors (scripts/coverage.sh).
-QZ_COVERAGE_PACKAGES="$QZ_TEST_PACKAGES gcovr"
+# Line and branch coverage of src/ by the unit tests and the golden vectors (scripts/coverage.sh):
+# gcov comes with gcc.
+QZ_COVERAGE_PACKAGES="$QZ_TEST_PACKAGES gcc"
