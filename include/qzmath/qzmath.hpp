@@ -167,6 +167,7 @@ constexpr const char *to_string(Limit l) noexcept {
 template <class T>
 class [[nodiscard]] Result {
   public:
+    // cppcheck-suppress noExplicitConstructor ; implicit: a wrapper returns its value as it is
     constexpr Result(const T &value, Status status = Status::ok) noexcept
         : value_(value), status_(status) {}
     // A result whose value a C function is about to write in place (no zeroing, no copy).
@@ -196,14 +197,19 @@ template <std::size_t N>
 struct [[nodiscard]] LimitReport {
     std::array<Limit, N> axis{};
     constexpr Limit operator[](std::size_t i) const noexcept { return axis[i]; }
+    // Loops rather than std::all_of and std::any_of, which are constexpr only from C++20.
     constexpr bool all(Limit l) const noexcept {
-        for (Limit a : axis)
+        for (Limit a : axis) {
+            // cppcheck-suppress useStlAlgorithm ; constexpr in C++17
             if (a != l) return false;
+        }
         return true;
     }
     constexpr bool any(Limit l) const noexcept {
-        for (Limit a : axis)
+        for (Limit a : axis) {
+            // cppcheck-suppress useStlAlgorithm ; constexpr in C++17
             if (a == l) return true;
+        }
         return false;
     }
 };
@@ -216,6 +222,7 @@ using Binary = void (*)(const double *, const double *, double *);
 using Scaled = void (*)(const double *, double, const double *, double *);
 using Flag8 = std::uint8_t (*)(const double *, double *);
 using Norm = std::int32_t (*)(double *);
+using Fill = void (*)(double *);
 
 // Fixed-size vectors, n = 2..8. A size without an entry keeps the null functions of the primary
 // template, so only the static_assert of the caller speaks.
@@ -233,25 +240,25 @@ struct Square {
     static constexpr Binary mult = nullptr;
     static constexpr Binary add = nullptr;
     static constexpr Unary transpose = nullptr;
-    static constexpr void (*identity)(double *) = nullptr;
+    static constexpr Fill identity = nullptr;
     static constexpr Flag8 inv = nullptr;
 };
-#define QZ_CPP_SIZE(N)                                                       \
-    template <>                                                              \
-    struct Vector<N> {                                                       \
-        static constexpr bool available = true;                              \
-        static constexpr Norm norm = &QZ_VectNorm##N;                        \
-        static constexpr Binary add = &QZ_VectAdd##N;                        \
-        static constexpr Scaled sa = &QZ_VectSA##N;                          \
-    };                                                                       \
-    template <>                                                              \
-    struct Square<N> {                                                       \
-        static constexpr bool available = true;                              \
-        static constexpr Binary mult = &QZ_MatrixMult##N;                    \
-        static constexpr Binary add = &QZ_MatrixAdd##N;                      \
-        static constexpr Unary transpose = &QZ_MatrixTranspose##N;           \
-        static constexpr void (*identity)(double *) = &QZ_MatrixIdentity##N; \
-        static constexpr Flag8 inv = &QZ_MatrixInv##N;                       \
+#define QZ_CPP_SIZE(N)                                             \
+    template <>                                                    \
+    struct Vector<N> {                                             \
+        static constexpr bool available = true;                    \
+        static constexpr Norm norm = &QZ_VectNorm##N;              \
+        static constexpr Binary add = &QZ_VectAdd##N;              \
+        static constexpr Scaled sa = &QZ_VectSA##N;                \
+    };                                                             \
+    template <>                                                    \
+    struct Square<N> {                                             \
+        static constexpr bool available = true;                    \
+        static constexpr Binary mult = &QZ_MatrixMult##N;          \
+        static constexpr Binary add = &QZ_MatrixAdd##N;            \
+        static constexpr Unary transpose = &QZ_MatrixTranspose##N; \
+        static constexpr Fill identity = &QZ_MatrixIdentity##N;    \
+        static constexpr Flag8 inv = &QZ_MatrixInv##N;             \
     };
 QZ_CPP_SIZE(2)
 QZ_CPP_SIZE(3)
@@ -288,7 +295,7 @@ struct MatVec {
     template <>                                 \
     struct MatVec<R, C> {                       \
         static constexpr bool available = true; \
-        static constexpr Binary fn = &F;        \
+        static constexpr Binary fn = &(F);      \
     };
 QZ_CPP_MATVEC(3, 3, QZ_MatrixMultVect3)
 QZ_CPP_MATVEC(4, 4, QZ_MatrixMultVect4)
@@ -389,12 +396,12 @@ inline LimitFields limit_fields(const QZVDTState &s) noexcept {
 }
 // What the request did: nothing (ignored), a pending ramp, or a limit in force.
 inline Limit limit_outcome(const LimitFields &before, const QZVDTState &after) noexcept {
-    if (!before.isInit) return Limit::refused;
+    if (before.isInit == 0) return Limit::refused;
     const LimitFields now = limit_fields(after);
     if (now.acc == before.acc && now.vel == before.vel && now.target == before.target &&
         now.pending == before.pending)
         return Limit::ignored;
-    return after.velLmtPending ? Limit::ramping : Limit::applied;
+    return after.velLmtPending != 0 ? Limit::ramping : Limit::applied;
 }
 }  // namespace detail
 
@@ -715,13 +722,13 @@ template <std::size_t R, std::size_t C>
 // Unit inverse rotation, conjugate / |q|; zero_length when |q| <= 1e-9.
 [[nodiscard]] inline Result<Quat> inverse(const Quat &q) noexcept {
     Result<Quat> r{Result<Quat>::Unwritten{}};
-    if (!QZ_QuaternionInverse(q.data(), r.value().data())) r.fail(Status::zero_length, true);
+    if (QZ_QuaternionInverse(q.data(), r.value().data()) == 0) r.fail(Status::zero_length, true);
     return r;
 }
 // q / |q|; zero_length, q unchanged, when |q| <= 1e-16.
 [[nodiscard]] inline Result<Quat> normalize(const Quat &q) noexcept {
     Result<Quat> r{q};
-    if (!QZ_QuaternionNorm(r.value().data())) r.fail(Status::zero_length, false);
+    if (QZ_QuaternionNorm(r.value().data()) == 0) r.fail(Status::zero_length, false);
     return r;
 }
 // Euclidean length.
@@ -843,12 +850,12 @@ template <class U>
 // ZYZ angles in radians; zyz_singular below |b| = 0.5 degree, with a = 0 and usable b, c.
 [[nodiscard]] inline Result<EulerZYZ> euler_zyz(const Mat3 &r) noexcept {
     Result<EulerZYZ> abc{Result<EulerZYZ>::Unwritten{}};
-    if (!QZ_Matrix2ZYZ(r.data(), abc.value().data())) abc.fail(Status::zyz_singular, false);
+    if (QZ_Matrix2ZYZ(r.data(), abc.value().data()) == 0) abc.fail(Status::zyz_singular, false);
     return abc;
 }
 [[nodiscard]] inline Result<EulerZYZ> euler_zyz(const Mat4 &t) noexcept {
     Result<EulerZYZ> abc{Result<EulerZYZ>::Unwritten{}};
-    if (!QZ_Matrix42ZYZ(t.data(), abc.value().data())) abc.fail(Status::zyz_singular, false);
+    if (QZ_Matrix42ZYZ(t.data(), abc.value().data()) == 0) abc.fail(Status::zyz_singular, false);
     return abc;
 }
 // Rotation vector of a rotation matrix, angle in [0, pi].
@@ -948,7 +955,7 @@ template <class U>
 [[nodiscard]] inline Result<Vec3> line_cross(const Vec3 &p1, Vec3 d1, const Vec3 &p2,
                                              Vec3 d2) noexcept {
     Result<Vec3> x{Result<Vec3>::Unwritten{}};
-    if (!QZ_LineCross(p1.data(), d1.data(), p2.data(), d2.data(), x.value().data()))
+    if (QZ_LineCross(p1.data(), d1.data(), p2.data(), d2.data(), x.value().data()) == 0)
         x.fail(Status::parallel, true);
     return x;
 }
@@ -1079,7 +1086,7 @@ class SmoothedTracker {
         return {out, ok ? Status::ok : Status::not_initialised};
     }
     [[nodiscard]] Status empty() noexcept {
-        return QZNSyncDTS_OnEmpty(&s_) ? Status::ok : Status::not_initialised;
+        return QZNSyncDTS_OnEmpty(&s_) != 0 ? Status::ok : Status::not_initialised;
     }
     [[nodiscard]] LimitReport<N> set_limits(const Vec<N> &velLmt, const Vec<N> &accLmt) noexcept {
         const auto before = snapshot();
@@ -1166,8 +1173,8 @@ class SmoothedMultiStageTracker {
         (void)QZNSyncDTS_OnSetRunTimeLmtM(&s_, velLmt.data(), accLmt.data());
         LimitReport<N> r{};
         for (std::size_t i = 0; i < N; ++i)
-            r.axis[i] =
-                s_.isInit ? detail::limit_outcome(before[i], s_.axis[i].stage[0]) : Limit::refused;
+            r.axis[i] = s_.isInit != 0 ? detail::limit_outcome(before[i], s_.axis[i].stage[0])
+                                       : Limit::refused;
         return r;
     }
     const QZNSyncDTSMState &record() const noexcept { return s_; }
@@ -1268,7 +1275,7 @@ class AveragingFilter {
         return {out, ok ? Status::ok : Status::not_initialised};
     }
     [[nodiscard]] Status empty() noexcept {
-        return QZAVGF_OnEmpty(&s_) ? Status::ok : Status::not_initialised;
+        return QZAVGF_OnEmpty(&s_) != 0 ? Status::ok : Status::not_initialised;
     }
     const QZAVGFState &record() const noexcept { return s_; }
     QZAVGFState &record() noexcept { return s_; }
