@@ -66,10 +66,14 @@ static const char *M(const double *m, int n) {
     int nan = 0, inf = 0, unw = 0;
     double big = 0.0;
     for (int i = 0; i < n; ++i) {
-        if (m[i] != m[i]) ++nan;
-        else if (isinf(m[i])) ++inf;
-        else if (m[i] == UNW) ++unw;
-        else if (fabs(m[i]) > big) big = fabs(m[i]);
+        if (m[i] != m[i])
+            ++nan;
+        else if (isinf(m[i]))
+            ++inf;
+        else if (m[i] == UNW)
+            ++unw;
+        else if (fabs(m[i]) > big)
+            big = fabs(m[i]);
     }
     if (unw == n) return "unwritten";
     const char *part = unw ? F(", %d unwritten", unw) : "";
@@ -116,10 +120,11 @@ static void Fixed(const char *const *rows, int nrows, const char *(*cell)(int ro
 /* ---- Scalar primitives, polynomials, plane geometry ------------------------------------- */
 
 static const char *const kScalarRows[] = {
-    "QZ_Sqrt(x)",     "QZ_Fabs(x)",       "QZ_3Root(x)",      "QZ_SIN_ARC(x)",   "QZ_COS_ARC(x)",
-    "QZ_SIN_DEG(x)",  "QZ_COS_DEG(x)",    "QZ_SIN_COS_ARC(x) -> (sin, cos)",     "QZ_Sigmod(x)",
-    "QZ_ATan2(x, 1)", "QZ_ATan2(1, x)",   "QZ_ACOS(x)",       "QZ_MAX(x, 1)",    "QZ_MIN(x, 1)",
-    "QZ_IsZero(x)",   "QZ_IsZeroL(x)",    "QZ_Floor(x)",      "QZ_Value_Sig(x)",
+    "QZ_Sqrt(x)",    "QZ_Fabs(x)",      "QZ_3Root(x)",    "QZ_SIN_ARC(x)",
+    "QZ_COS_ARC(x)", "QZ_SIN_DEG(x)",   "QZ_COS_DEG(x)",  "QZ_SIN_COS_ARC(x) -> (sin, cos)",
+    "QZ_Sigmod(x)",  "QZ_ATan2(x, 1)",  "QZ_ATan2(1, x)", "QZ_ACOS(x)",
+    "QZ_MAX(x, 1)",  "QZ_MIN(x, 1)",    "QZ_IsZero(x)",   "QZ_IsZeroL(x)",
+    "QZ_Floor(x)",   "QZ_Value_Sig(x)",
 };
 
 static const char *ScalarCell(int row, double x) {
@@ -147,11 +152,16 @@ static const char *ScalarCell(int row, double x) {
 }
 
 static const char *const kPolyRows[] = {
-    "QZ_SqureSolve(x, -3, 2, r)",        "QZ_SqureSolve(1, -3, x, r)",
-    "QZ_CubicSolve(x, -6, 11, -6, r)",   "QZ_CubicSolve(1, -6, 11, x, r)",
-    "QZ_CubicSolve_Min_Pos(1, -6, 11, x, &o)", "QZ_Solve2OrderEq(x, 0, 1, re, im)",
-    "QZ_Solve3OrderEq(1, x, 0, -1, re, im)",   "QZ_Solve4OrderEq(x, 0, -5, 0, 4, re, im)",
-    "QZ_Solve4OrderEqR(1, 0, -5, 0, x, r)",    "QZ_SolvePolynomialResult({1, 2, 3}, x, 3)",
+    "QZ_SqureSolve(x, -3, 2, r)",
+    "QZ_SqureSolve(1, -3, x, r)",
+    "QZ_CubicSolve(x, -6, 11, -6, r)",
+    "QZ_CubicSolve(1, -6, 11, x, r)",
+    "QZ_CubicSolve_Min_Pos(1, -6, 11, x, &o)",
+    "QZ_Solve2OrderEq(x, 0, 1, re, im)",
+    "QZ_Solve3OrderEq(1, x, 0, -1, re, im)",
+    "QZ_Solve4OrderEq(x, 0, -5, 0, 4, re, im)",
+    "QZ_Solve4OrderEqR(1, 0, -5, 0, x, r)",
+    "QZ_SolvePolynomialResult({1, 2, 3}, x, 3)",
 };
 
 static const char *PolyCell(int row, double x) {
@@ -204,8 +214,14 @@ static const char *GeomCell(int row, double x) {
         case 3:
             n = QZ_PointToLine(o, (const double[]){x, 0, 0}, (const double[]){0, 1, 0}, f);
             return F("%d: %s", n, V(f, 3));
-        case 4: b = x; d = QZ_MinDif_Circle(10, &b); return F("%s, b %s", G(d), G(b));
-        case 5: b = 10; d = QZ_MinDif_Circle(x, &b); return F("%s, b %s", G(d), G(b));
+        case 4:
+            b = x;
+            d = QZ_MinDif_Circle(10, &b);
+            return F("%s, b %s", G(d), G(b));
+        case 5:
+            b = 10;
+            d = QZ_MinDif_Circle(x, &b);
+            return F("%s, b %s", G(d), G(b));
         case 6: ValueToTarget(&v, x, 0.1); return G(v);
         default: ValueToTarget(&v, 1, x); return G(v);
     }
@@ -298,8 +314,7 @@ static QZNSyncDTSMState tnm;
 static uint8_t TnmInit(double c, double v, double a, double j) {
     double jerk[2] = {j, 1000};
     memset(&tnm, 0, sizeof tnm);
-    return QZNSyncDTS_OnInitM(&tnm, 2, c, (const double[]){v, 2}, (const double[]){a, 10}, jerk,
-                              2);
+    return QZNSyncDTS_OnInitM(&tnm, 2, c, (const double[]){v, 2}, (const double[]){a, 10}, jerk, 2);
 }
 static uint8_t TnmStep(double x, double *o) {
     double pos[2] = {UNW, UNW};
@@ -336,9 +351,14 @@ static void Moving(void) {
 }
 
 static const char *const kTrackerRows[] = {
-    "step towards x while moving",    "init: cycle time x (ms)", "init: velocity limit x",
-    "init: acceleration limit x",     "init: jerk limit x",      "run time: velocity limit x",
-    "run time: acceleration limit x", "run time: both limits x",
+    "step towards x while moving",
+    "init: cycle time x (ms)",
+    "init: velocity limit x",
+    "init: acceleration limit x",
+    "init: jerk limit x",
+    "run time: velocity limit x",
+    "run time: acceleration limit x",
+    "run time: both limits x",
     "run time: limits (2, x), after 100 cycles (2, 10) again",
 };
 
@@ -366,8 +386,10 @@ static const char *TrackerCell(int row, double x) {
         Moving();
         if (row == 5 && !tr->setVel) return "—";
         if (row == 6 && !tr->setAcc) return "—";
-        r = row == 5 ? tr->setVel(x) : row == 6 ? tr->setAcc(x) : row == 7 ? tr->setLmt(x, x)
-                                                                  : tr->setLmt(2.0, x);
+        r = row == 5   ? tr->setVel(x)
+            : row == 6 ? tr->setAcc(x)
+            : row == 7 ? tr->setLmt(x, x)
+                       : tr->setLmt(2.0, x);
         p = Run(1.0, 100);
         if (row == 8) tr->setLmt(2.0, 10.0);
     }
@@ -396,7 +418,10 @@ static const char *TrackerCountCell(int row) {
     double j[2] = {1000, 1000};
     uint8_t r;
     switch (row) {
-        case 0: memset(&t1, 0, sizeof t1); r = QZVDT_OnDT(&t1, 1, &o); return F("%d, out %s", r, G(o));
+        case 0:
+            memset(&t1, 0, sizeof t1);
+            r = QZVDT_OnDT(&t1, 1, &o);
+            return F("%d, out %s", r, G(o));
         case 1:
             memset(&tn, 0, sizeof tn);
             return F("%d / %d", QZNSyncDTS_OnInit(&tn, 0, 1, v, a, j),
@@ -614,10 +639,16 @@ static void StateFamilies(void) {
  * as its entry [0][0] ("A00 = x") or as a factor of the whole matrix ("x A"). */
 
 static const char *const kVecRows[] = {
-    "QZ_VectNorm3(v)",          "QZ_VectSA3(a, x, b, out)",       "QZ_VectLength(v, 3)",
-    "QZ_VectNorm(v, 3)",        "QZ_VectAngle(v, (1,1,0), 3)",    "VectNormalized(v, 3, out)",
-    "CalShadowVector((1,1,0), v, out, 3)",  "QZ_VectCross(v, (0,1,0), out)",
-    "QZ_GetVectNormA2B(0, v, out)",         "QZ_GetVectNormLenA2B(0, v, out, &len) -> len",
+    "QZ_VectNorm3(v)",
+    "QZ_VectSA3(a, x, b, out)",
+    "QZ_VectLength(v, 3)",
+    "QZ_VectNorm(v, 3)",
+    "QZ_VectAngle(v, (1,1,0), 3)",
+    "VectNormalized(v, 3, out)",
+    "CalShadowVector((1,1,0), v, out, 3)",
+    "QZ_VectCross(v, (0,1,0), out)",
+    "QZ_GetVectNormA2B(0, v, out)",
+    "QZ_GetVectNormLenA2B(0, v, out, &len) -> len",
 };
 
 static const char *VecCell(int row, double x) {
@@ -898,7 +929,10 @@ static const char *QuatCell(int row, double x) {
             for (int i = 0; i < 9; ++i) m[i] = m[i] * x;
             QZ_Matrix2Quaternion3(m, o);
             return V(o, 4);
-        case 7: m[0] = x; QZ_Matrix2Quaternion3(m, o); return V(o, 4);
+        case 7:
+            m[0] = x;
+            QZ_Matrix2Quaternion3(m, o);
+            return V(o, 4);
         case 8: r = QZ_PosQuat2Matrix_UnNorm(pose, o); return F("%u: %s", r, M(o, 16));
         case 9: {
             double buf[7] = {0, 0, 0, x, 0, 0, UNW};
@@ -913,8 +947,12 @@ static const char *QuatCell(int row, double x) {
             for (int i = 0; i < 9; ++i) m[i] = m[i] * x;
             rotmat_to_axis_angle(m, o);
             return V(o, 3);
-        case 15: m[0] = x; rotmat_to_axis_angle(m, o); return V(o, 3);
-        default: relative_Angle((const double[]){x, 0, 0}, (const double[]){0, 0, 0}, o);
+        case 15:
+            m[0] = x;
+            rotmat_to_axis_angle(m, o);
+            return V(o, 3);
+        default:
+            relative_Angle((const double[]){x, 0, 0}, (const double[]){0, 0, 0}, o);
             return V(o, 3);
     }
 }
@@ -954,7 +992,10 @@ static const char *EulerCell(int row, double x) {
             for (int i = 0; i < 9; ++i) m[i] = m[i] * x;
             r = row == 2 ? QZ_Matrix2ZYZ(m, abc) : QZ_Matrix2XYZ(m, abc);
             return F("%u: %s", r, V(abc, 3));
-        case 4: m[0] = x; r = QZ_Matrix2XYZ(m, abc); return F("%u: %s", r, V(abc, 3));
+        case 4:
+            m[0] = x;
+            r = QZ_Matrix2XYZ(m, abc);
+            return F("%u: %s", r, V(abc, 3));
         case 5: r = QZ_ABC2Matrix3DEG((const double[]){x, 0, 0}, o); return F("%u: %s", r, M(o, 9));
         case 6: QZ_XYZABC2Matrix4DEG((const double[]){0, 0, 0, x, 0, 0}, o); return M(o, 16);
         case 7:
@@ -975,8 +1016,14 @@ static const char *EulerCell(int row, double x) {
             r = QZ_LineCross((const double[]){0, 0, 0}, d1, (const double[]){0, 1, 0}, d2, o);
             return F("%u: %s", r, V(o, 3));
         }
-        case 12: j[0] = x; QZ_JACOB_TRAN_T67(j, kI3, o); return M(o, 42);
-        case 13: m[0] = x; QZ_JACOB_TRAN_T67(j, m, o); return M(o, 42);
+        case 12:
+            j[0] = x;
+            QZ_JACOB_TRAN_T67(j, kI3, o);
+            return M(o, 42);
+        case 13:
+            m[0] = x;
+            QZ_JACOB_TRAN_T67(j, m, o);
+            return M(o, 42);
         default: MVmult677(j, (const double[]){x, 0, 0, 0, 0, 0, 0}, o); return V(o, 6);
     }
 }

@@ -9,8 +9,10 @@ static const double kDeg = 0.017453292519943295;
 
 /* Angles given in radians, printed in degrees. */
 static void Deg3(const char *what, unsigned res, const double *a, int withResult) {
-    if (withResult) printf("%s%u, ", what, res);
-    else printf("%s", what);
+    if (withResult)
+        printf("%s%u, ", what, res);
+    else
+        printf("%s", what);
     printf("(%.15g°, %.15g°, %.15g°)", a[0] / kDeg, a[1] / kDeg, a[2] / kDeg);
 }
 
@@ -62,7 +64,8 @@ int main(void) {
         for (int j = 0; j < 3; ++j) t[4 * i + j] = r[3 * i + j];
     t[3] = 5, t[7] = 6, t[11] = 7, t[15] = 1;
     const unsigned res = QZ_Matrix2XYZABC4DEG_ZYZ(t, pose);
-    printf("QZ_Matrix2XYZABC4DEG_ZYZ(T of that matrix at (5, 6, 7), pose), pose = (1, 2, 3, ...)\n");
+    printf(
+        "QZ_Matrix2XYZABC4DEG_ZYZ(T of that matrix at (5, 6, 7), pose), pose = (1, 2, 3, ...)\n");
     printf("  -> %u, pose = (%g, %g, %g, %.15g, %.15g, %.15g)\n", res, pose[0], pose[1], pose[2],
            pose[3], pose[4], pose[5]);
 
@@ -83,9 +86,10 @@ int main(void) {
     AbcZyz("{-1,0,0, 0,1,0, 0,0,-1} (half turn about y)",
            (const double[]){-1, 0, 0, 0, 1, 0, 0, 0, -1});
     QZ_ZYZ2Matrix(0, 180 * kDeg, 180 * kDeg, r);
-    printf("  but QZ_ZYZ2Matrix(0°, 180°, 180°) has the diagonal (%.6g, %.6g, %.6g): a half turn "
-           "about x\n",
-           r[0], r[4], r[8]);
+    printf(
+        "  but QZ_ZYZ2Matrix(0°, 180°, 180°) has the diagonal (%.6g, %.6g, %.6g): a half turn "
+        "about x\n",
+        r[0], r[4], r[8]);
     printf("```\n");
     return 0;
 }
