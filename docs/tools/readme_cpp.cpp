@@ -3,7 +3,7 @@
 #include <cstdio>
 
 #include "qzmath/qzmath.hpp"
-#include "show_source.h"
+#include "docs_example.h"
 
 int main() {
     ShowSource(__FILE__, "cpp", "#include <qzmath/qzmath.hpp>\n\n");
