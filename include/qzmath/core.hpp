@@ -14,6 +14,7 @@
 #define QZMATH_CORE_HPP
 
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
@@ -113,39 +114,46 @@ enum class [[nodiscard]] Status : std::uint8_t{
     singular,               // a pivot column's largest |value| at or below 1e-16
     not_positive_definite,  // Cholesky: a reduced diagonal <= 0
     zyz_singular,           // ZYZ extraction with |b| below 0.5 degree: usable angles, a = 0
-    zero_length,            // too short to normalise or invert
+    zero_length,            // too short to normalise or invert, or a quaternion of length <= 1e-9
+                            // where a rotation is expected
     parallel,               // line crossing of parallel lines or of a zero direction
     failed,                 // eig / generalized eig: rejected input, undefined rotation or cap
     not_initialised,        // the record is not initialised (or its initialisation was refused)
-    reset_pending,          // the record waits for its first step after initialisation or empty
+    reset_pending,          // the record waits for its first step after initialisation or a jump
     bad_argument,           // an initialisation refused its parameters
+    non_finite,             // an input held NaN or an infinity: refused, nothing computed from it
 };
 
 constexpr const char *to_string(Status s) noexcept {
-    constexpr const char *names[] = {
-        "ok",       "singular", "not positive definite", "ZYZ singular",  "zero length",
-        "parallel", "failed",   "not initialised",       "reset pending", "bad argument"};
+    constexpr const char *names[] = {"ok",           "singular",        "not positive definite",
+                                     "ZYZ singular", "zero length",     "parallel",
+                                     "failed",       "not initialised", "reset pending",
+                                     "bad argument", "non-finite input"};
     return names[static_cast<std::size_t>(s)];
 }
 
-// What became of a limit given to a tracker.
+// What became of a limit or a cycle time given to a tracker.
 enum class [[nodiscard]] Limit : std::uint8_t{
     applied,  // in force from this call on
     ramping,  // below the current speed: the axis ramps down at its acceleration limit first
     ignored,  // within 0.1 of the last request: nothing changed (the C call still reports success)
-    clamped,  // initialisation only: brought into velocity [0.1, 200], acceleration [1, 1000]
-              // (jerk [1000, 1e7] for the N-axis multi-stage tracker); a NaN limit counts too
+    clamped,  // brought into velocity [0.1, 200], acceleration [1, 1000], cycle [1, 1000] ms (jerk
+              // [1000, 1e7] for the N-axis multi-stage tracker), then applied as above
     refused,  // the record is not initialised
+    invalid,  // NaN, infinite, zero or negative: refused, the limits in force stay
 };
 
 constexpr const char *to_string(Limit l) noexcept {
-    constexpr const char *names[] = {"applied", "ramping", "ignored", "clamped", "refused"};
+    constexpr const char *names[] = {"applied", "ramping", "ignored",
+                                     "clamped", "refused", "invalid"};
     return names[static_cast<std::size_t>(l)];
 }
 
 // A value and the status of the call that produced it. On failure the value holds what the C
 // function left in a zero-initialised output: zeros where it writes nothing, and where it writes
-// usable results anyway (ZYZ singular, LUP partly reduced) those results.
+// usable results anyway (ZYZ singular, LUP partly reduced) those results. A tracker's step holds
+// the commanded position whatever the status. On a temporary, value() and * give the value by
+// value, so that `const auto &m = qz::inverse(a).value();` keeps a live copy.
 template <class T>
 class [[nodiscard]] Result {
   public:
@@ -162,9 +170,11 @@ class [[nodiscard]] Result {
     constexpr bool ok() const noexcept { return status_ == Status::ok; }
     constexpr explicit operator bool() const noexcept { return ok(); }
     constexpr Status status() const noexcept { return status_; }
-    constexpr const T &value() const noexcept { return value_; }
-    constexpr T &value() noexcept { return value_; }
-    constexpr const T &operator*() const noexcept { return value_; }
+    constexpr const T &value() const &noexcept { return value_; }
+    constexpr T &value() &noexcept { return value_; }
+    constexpr T value() const &&noexcept { return value_; }
+    constexpr const T &operator*() const &noexcept { return value_; }
+    constexpr T operator*() const &&noexcept { return value_; }
     constexpr const T *operator->() const noexcept { return &value_; }
     constexpr T value_or(const T &fallback) const noexcept { return ok() ? value_ : fallback; }
 
@@ -190,8 +200,38 @@ struct [[nodiscard]] LimitReport {
     }
 };
 
-// Signatures of the C functions that the size tables of the other headers hold.
 namespace detail {
+// True when no element is NaN or infinite. The layer above the C functions refuses such inputs
+// where they enter, so that no record keeps them and no conversion turns them into a finite answer.
+inline bool finite(double x) noexcept { return std::isfinite(x); }
+template <std::size_t N>
+bool finite(const std::array<double, N> &v) noexcept {
+    for (double x : v)
+        if (!std::isfinite(x)) return false;
+    return true;
+}
+template <class... T>
+bool all_finite(const T &...v) noexcept {
+    return (finite(v) && ...);
+}
+// The status of an input that must be finite: ok or non_finite.
+template <class... T>
+Status finite_status(const T &...v) noexcept {
+    return all_finite(v...) ? Status::ok : Status::non_finite;
+}
+
+// The status of quaternions where rotations are expected: non_finite for a NaN or an infinity,
+// zero_length for a length of at most 1e-9 (no direction to turn about), else ok.
+template <class... Q>
+Status rotation_status(const Q &...q) noexcept {
+    if (!all_finite(q...)) return Status::non_finite;
+    for (const auto &r : {static_cast<const std::array<double, 4> &>(q)...})
+        if (r[0] * r[0] + r[1] * r[1] + r[2] * r[2] + r[3] * r[3] <= 1e-18)
+            return Status::zero_length;
+    return Status::ok;
+}
+
+// Signatures of the C functions that the size tables of the other headers hold.
 using Unary = void (*)(const double *, double *);
 using Binary = void (*)(const double *, const double *, double *);
 using Scaled = void (*)(const double *, double, const double *, double *);

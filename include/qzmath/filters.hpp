@@ -4,6 +4,7 @@
 #ifndef QZMATH_FILTERS_HPP
 #define QZMATH_FILTERS_HPP
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 
@@ -17,29 +18,37 @@ template <std::size_t N>
 struct Averaged {
     Vec<N> avg, rate;
 };
-// Moving average of N channels (N = 1..8) over a window of 1..100 samples, sample period dt.
+// Moving average of N channels (N = 1..8) over a window of 1..100 samples, sample period dt
+// (finite, above zero: the divisor of the rate). A sample with a NaN or an infinity never enters
+// the window, where it would stay for the window's length.
 template <std::size_t N>
 class AveragingFilter {
     static_assert(N >= 1 && N <= 8, "qz::AveragingFilter<N>: the library averages 1 to 8 channels");
 
   public:
     AveragingFilter(std::int32_t window, double dt) noexcept
-        : ok_(QZAVGF_OnInit(&s_, static_cast<std::int32_t>(N), window, dt) != 0) {}
-    // bad_argument when the window lay outside 1..100 (every update then fails).
+        : ok_(std::isfinite(dt) && dt > 0.0 &&
+              QZAVGF_OnInit(&s_, static_cast<std::int32_t>(N), window, dt) != 0) {}
+    // bad_argument when the window lay outside 1..100 or dt was not finite and above zero (every
+    // update then fails).
     [[nodiscard]] Status status() const noexcept { return ok_ ? Status::ok : Status::bad_argument; }
+    // The window's mean and rate; non_finite, the window unchanged and the last outputs given, when
+    // x holds a NaN or an infinity.
     [[nodiscard]] Result<Averaged<N>> update(const Vec<N> &x) noexcept {
-        Averaged<N> out{};
-        const bool ok = QZAVGF_OnFilt(&s_, x.data(), out.avg.data(), out.rate.data()) != 0;
-        return {out, ok ? Status::ok : Status::not_initialised};
+        if (!ok_) return {last_, Status::not_initialised};
+        if (!detail::all_finite(x)) return {last_, Status::non_finite};
+        (void)QZAVGF_OnFilt(&s_, x.data(), last_.avg.data(), last_.rate.data());
+        return last_;
     }
-    [[nodiscard]] Status empty() noexcept {
+    // The next update starts the window afresh from its sample.
+    [[nodiscard]] Status restart() noexcept {
         return QZAVGF_OnEmpty(&s_) ? Status::ok : Status::not_initialised;
     }
     const QZAVGFState &record() const noexcept { return s_; }
-    QZAVGFState &record() noexcept { return s_; }
 
   private:
     QZAVGFState s_{};
+    Averaged<N> last_{};
     bool ok_;
 };
 
@@ -48,10 +57,16 @@ class AveragingFilter {
 class SmoothedValue {
   public:
     SmoothedValue(double start, double alpha, double stepMax, double stepMin) noexcept
-        : ok_(QZSMV_OnInit(&s_, start, alpha, stepMax, stepMin) != 0) {}
-    // bad_argument when the parameters were refused: the defaults (0.002, 0.01, 0.002) are in force.
+        : ok_(detail::all_finite(start, alpha, stepMax, stepMin) &&
+              QZSMV_OnInit(&s_, start, alpha, stepMax, stepMin) != 0) {
+        if (!ok_) (void)QZSMV_OnInit(&s_, std::isfinite(start) ? start : 0.0, 0.0, 0.0, 0.0);
+    }
+    // bad_argument when the parameters were refused: the defaults (alpha 0.002, steps 0.01 and
+    // 0.002) are in force, from start (0 when start was not finite).
     [[nodiscard]] Status status() const noexcept { return ok_ ? Status::ok : Status::bad_argument; }
-    [[nodiscard]] double update(double target) noexcept {
+    // The new value; non_finite, the value unchanged, for a NaN or infinite target.
+    [[nodiscard]] Result<double> update(double target) noexcept {
+        if (!std::isfinite(target)) return {s_.value, Status::non_finite};
         double v = 0.0;
         QZSMV_OnUpdateV(&s_, target, &v);
         return v;
@@ -60,7 +75,6 @@ class SmoothedValue {
     bool is_zero() const noexcept { return s_.isZero != 0; }
     bool is_one() const noexcept { return s_.isOne != 0; }
     const QZSMVState &record() const noexcept { return s_; }
-    QZSMVState &record() noexcept { return s_; }
 
   private:
     QZSMVState s_{};

@@ -44,9 +44,10 @@ struct JacobianRotate<7> {
     return s;
 }
 // Crossing of two lines (point, direction), or the midpoint of their common perpendicular;
-// parallel for parallel lines or a zero direction.
+// parallel for parallel lines or a zero direction; non_finite for a NaN or an infinity.
 [[nodiscard]] inline Result<Vec3> line_cross(const Vec3 &p1, Vec3 d1, const Vec3 &p2,
                                              Vec3 d2) noexcept {
+    if (!detail::all_finite(p1, d1, p2, d2)) return {Vec3{}, Status::non_finite};
     Result<Vec3> x{Result<Vec3>::Unwritten{}};
     if (!QZ_LineCross(p1.data(), d1.data(), p2.data(), d2.data(), x.value().data()))
         x.fail(Status::parallel, true);

@@ -10,6 +10,7 @@
 #define QZMATH_MATRIX_HPP
 
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 
@@ -220,11 +221,13 @@ template <std::size_t R, std::size_t C>
     detail::Transpose<R, C>::fn(a.data(), out.data());
     return out;
 }
-// Inverse by LU with partial pivoting (sizes 2..8); singular, zeros, at a pivot <= 1e-16.
+// Inverse by LU with partial pivoting (sizes 2..8); singular, zeros, at a pivot <= 1e-16;
+// non_finite, zeros, for a NaN or infinite element.
 template <std::size_t R, std::size_t C>
 [[nodiscard]] Result<Mat<R, C>> inverse(const Mat<R, C> &a) noexcept {
     static_assert(R == C && detail::Square<R>::available,
                   "qz::inverse: the library inverts square matrices of sizes 2 to 8 only");
+    if (!detail::all_finite(a)) return {Mat<R, C>{}, Status::non_finite};
     Result<Mat<R, C>> r{typename Result<Mat<R, C>>::Unwritten{}};
     if (!detail::Square<R>::inv(a.data(), r.value().data())) r.fail(Status::singular, true);
     return r;
@@ -244,11 +247,12 @@ template <std::size_t R, std::size_t C>
     return QZ_MatrixDeterminant(storage.data(), static_cast<std::int32_t>(R));
 }
 // Moore-Penrose pseudo-inverse of a 6x7 (right) or 7x6 (left) Jacobian; singular when the Gram
-// matrix is.
+// matrix is, non_finite for a NaN or infinite element.
 template <std::size_t R, std::size_t C>
 [[nodiscard]] Result<Mat<C, R>> pinv(const Mat<R, C> &a) noexcept {
     static_assert(detail::PseudoInverse<R, C>::available,
                   "qz::pinv: the library has pseudo-inverses of 6x7 and 7x6 matrices only");
+    if (!detail::all_finite(a)) return {Mat<C, R>{}, Status::non_finite};
     Result<Mat<C, R>> r{typename Result<Mat<C, R>>::Unwritten{}};
     if (!detail::PseudoInverse<R, C>::fn(a.data(), r.value().data()))
         r.fail(Status::singular, true);
@@ -270,9 +274,11 @@ constexpr std::array<double *, R> row_pointers(Mat<R, C> &m) noexcept {
     return rows;
 }
 }  // namespace detail
-// LUP decomposition; singular (partly reduced factors) at a pivot below 1e-16.
+// LUP decomposition; singular (partly reduced factors) at a pivot below 1e-16; non_finite, zeros,
+// for a NaN or infinite element.
 template <std::size_t N>
 [[nodiscard]] Result<Lup<N>> lup(const Mat<N, N> &a) noexcept {
+    if (!detail::all_finite(a)) return {Lup<N>{}, Status::non_finite};
     Lup<N> f{a, {}};
     const auto rows = detail::row_pointers(f.lu);
     const auto n = static_cast<std::int32_t>(N);
@@ -306,11 +312,15 @@ template <std::size_t N>
 }
 
 // Lower Cholesky factor of a symmetric positive definite matrix (sizes 1..7; only the lower
-// triangle is read); not_positive_definite at the first reduced diagonal <= 0.
+// triangle is read); not_positive_definite at the first reduced diagonal <= 0; non_finite, zeros,
+// for a NaN or infinite element of the lower triangle.
 template <std::size_t R, std::size_t C>
 [[nodiscard]] Result<Mat<R, C>> cholesky(const Mat<R, C> &a) noexcept {
     static_assert(R == C && R >= 1 && R <= 7,
                   "qz::cholesky: the library factors square matrices of sizes 1 to 7 only");
+    for (std::size_t i = 0; i < R; ++i)
+        for (std::size_t j = 0; j <= i; ++j)
+            if (!std::isfinite(a(i, j))) return {Mat<R, C>{}, Status::non_finite};
     constexpr std::size_t S = R <= 6 ? 6 : 7;
     const auto in = detail::padded<S>(a);
     std::array<double, S * S> l{};
@@ -338,24 +348,26 @@ struct EigenPairs {
 };
 // Symmetric eigen decomposition by the threshold Jacobi method (sizes 1..8); failed when the
 // input is rejected, a rotation is undefined or the rotation cap is reached (the C function does
-// not tell these apart).
+// not tell these apart); non_finite for a NaN or infinite element or tolerance.
 template <std::size_t R, std::size_t C>
 [[nodiscard]] Result<EigenPairs<R>> eig(const Mat<R, C> &a, double eps) noexcept {
     static_assert(R == C && R >= 1 && R <= 8,
                   "qz::eig: the library decomposes square matrices of sizes 1 to 8 only");
+    if (!detail::all_finite(a, eps)) return {EigenPairs<R>{}, Status::non_finite};
     Mat<R, C> work = a;
     EigenPairs<R> out{};
     const bool ok = ::eig(static_cast<std::int32_t>(R), work.data(), out.vectors.data(), eps) != 0;
     for (std::size_t k = 0; k < R; ++k) out.values[k] = work[k * R + k];
     return {out, ok ? Status::ok : Status::failed};
 }
-// Generalized symmetric eigenproblem A x = lambda B x (sizes 6 and 7). The 7x7 form works in
-// static storage: its calls must not overlap, from any thread.
+// Generalized symmetric eigenproblem A x = lambda B x (sizes 6 and 7), reentrant in both sizes;
+// failed as for eig, non_finite for a NaN or infinite element or tolerance.
 template <std::size_t R, std::size_t C>
 [[nodiscard]] Result<EigenPairs<R>> generalized_eig(const Mat<R, C> &a, const Mat<R, C> &b,
                                                     double eps) noexcept {
     static_assert(R == C && (R == 6 || R == 7),
                   "qz::generalized_eig: the library has sizes 6 and 7 only");
+    if (!detail::all_finite(a, b, eps)) return {EigenPairs<R>{}, Status::non_finite};
     EigenPairs<R> out{};
     const auto fn = R == 6 ? &::generalized_eig : &::generalized_eig7;
     const bool ok = fn(eps, a.data(), b.data(), out.vectors.data(), out.values.data()) != 0;

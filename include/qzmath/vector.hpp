@@ -84,10 +84,12 @@ template <std::size_t N>
 [[nodiscard]] double length(const Vec<N> &v) noexcept {
     return QZ_VectLength(v.data(), static_cast<std::int32_t>(N));
 }
-// v / |v| (sizes 2..8); zero_length, v unchanged, when |v| is within 1e-16 of zero.
+// v / |v| (sizes 2..8); zero_length, v unchanged, when |v| is within 1e-16 of zero; non_finite,
+// v unchanged, for a NaN or an infinity.
 template <std::size_t N>
 [[nodiscard]] Result<Vec<N>> normalize(const Vec<N> &v) noexcept {
     static_assert(detail::Vector<N>::available, "qz::normalize: the library has sizes 2 to 8");
+    if (!detail::all_finite(v)) return {v, Status::non_finite};
     Result<Vec<N>> r{v};
     if (!detail::Vector<N>::norm(r.value().data())) r.fail(Status::zero_length, false);
     return r;
@@ -98,10 +100,15 @@ template <std::size_t N>
     QZ_VectCross(a.data(), b.data(), out.data());
     return out;
 }
-// Angle between a and b in degrees, [0, 180]; 0 when either is of zero length.
+// Angle between a and b in degrees, [0, 180]; zero_length, angle 0, when either is within 1e-16
+// of zero length (no direction); non_finite, angle 0, for a NaN or an infinity.
 template <std::size_t N>
-[[nodiscard]] Deg angle(const Vec<N> &a, const Vec<N> &b) noexcept {
-    return Deg{QZ_VectAngle(a.data(), b.data(), static_cast<std::int32_t>(N))};
+[[nodiscard]] Result<Deg> angle(const Vec<N> &a, const Vec<N> &b) noexcept {
+    const auto n = static_cast<std::int32_t>(N);
+    if (!detail::all_finite(a, b)) return {Deg{0.0}, Status::non_finite};
+    if (QZ_IsZero(QZ_VectLength(a.data(), n)) || QZ_IsZero(QZ_VectLength(b.data(), n)))
+        return {Deg{0.0}, Status::zero_length};
+    return Deg{QZ_VectAngle(a.data(), b.data(), n)};
 }
 
 }  // namespace qz

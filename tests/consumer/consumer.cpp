@@ -8,7 +8,7 @@
 int main() {
     qz::Tracker axis(4.0, 50.0, 100.0);
     (void)axis.step(0.0);
-    const double out = axis.step(1.0);
+    const double out = *axis.step(1.0);
     const auto inv = qz::inverse(qz::Mat3{{2, 0, 0, 0, 4, 0, 0, 0, 8}});
     std::printf("consumer (C++) of %u: %.6f, inverse %s\n", static_cast<unsigned>(QZ_Version()),
                 out, qz::to_string(inv.status()));
