@@ -1,6 +1,6 @@
-// The C++ interface from an installed QZMath: qzmath.hpp finds the C headers and its group headers
-// beside it, declares the version query, and one tracker step moves the axis as the C consumer's
-// does.
+// The C++ interface from QZMath (installed, or in a parent project): qzmath.hpp finds the C
+// headers and its group headers beside it, declares the version query, and one tracker step moves
+// the axis as the C consumer's does.
 #include <qzmath/qzmath.hpp>
 
 #include <cstdio>
