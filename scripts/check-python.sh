@@ -24,6 +24,9 @@ cp -r python/tests python/examples "$work"/
 cd "$work"
 loaded="$(env -u QZMATH_LIB "$work/venv/bin/python" -c 'import qzmath; print(qzmath.LIBRARY_PATH)')"
 echo "== loads: $loaded"
+# The installed package's version (recorded at install) is the project's, as the library says.
+env -u QZMATH_LIB "$work/venv/bin/python" -c \
+  'import qzmath as q; assert q.__version__ == q.LIBRARY_VERSION, (q.__version__, q.LIBRARY_VERSION)'
 [ "$(readlink -f "$loaded")" = "$(readlink -f "$build/libQZMath.so")" ] || {
   echo "the installed package loads $loaded, not the library it was installed for" >&2; exit 1; }
 env -u QZMATH_LIB QZMATH_TEST_INSTALLED=1 PYTHONDONTWRITEBYTECODE=1 \
