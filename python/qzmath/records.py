@@ -5,6 +5,10 @@ what the library expects of a record before its initialiser runs.
 """
 import ctypes
 
+__all__ = ["RECORDS", "QZVDTState", "QZNSyncDTSState", "QZVDTMState", "QZNEstState",
+           "OneFitterState", "QZDCTRLErrorState", "QZNSyncDTSMState", "QZAVGFState",
+           "QZSMVState", "QZSlerpFactorState"]
+
 _d = ctypes.c_double
 _i32 = ctypes.c_int32
 _u8 = ctypes.c_uint8

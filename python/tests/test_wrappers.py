@@ -45,7 +45,7 @@ def test_batches_broadcast_and_equal_the_single_calls():
     t4 = G.pose_to_matrix(pose)
     assert np.allclose(G.matrix_to_pose(t4), pose) and np.allclose(t4[:3, 3], pose[:3])
     assert np.allclose(Q.pose_to_matrix(Q.pose_from_matrix(np.stack([t4, t4])))[1], t4)
-    assert np.allclose(Q.pose_from_xyzabc(np.r_[pose[:3], np.degrees(pose[3:])]),
+    assert np.allclose(Q.pose_from_xyzabc(np.r_[pose[:3], np.degrees(pose[3:])], degrees=True),
                        Q.pose_from_matrix(t4))
 
 
@@ -106,7 +106,7 @@ BAD = [  # call, exception, message naming the parameter
     (lambda: qzmath.AveragingFilter(2, 101, 0.001), qzmath.InvalidArgumentError, "^span: "),
     (lambda: qzmath.AveragingFilter(2, 4, np.nan), qzmath.InvalidArgumentError, "^dt: "),
     (lambda: qzmath.SmoothedValue(0.0, step_min=0.02), qzmath.InvalidArgumentError, "step_min"),
-    (lambda: L.pinv(np.full((6, 7), np.nan)), qzmath.InvalidArgumentError, "NaN"),
+    (lambda: L.pinv(np.full((6, 7), np.nan)), qzmath.InvalidArgumentError, "^m: must be finite"),
     (lambda: L.eig(np.eye(3), eps=np.nan), qzmath.InvalidArgumentError, "^eps: "),
 ]
 
