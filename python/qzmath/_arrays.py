@@ -8,7 +8,7 @@ answer for them; a value the library clamps or ignores is reported through warni
 QZMathWarning that says which value took effect.
 
 Arrays handed to C are float64, C-contiguous numpy arrays passed by address. A batch runs in one
-call of the batch helper (python/batch/qzbatch.c), which calls the library's function once per
+call of the batch helper (python/qzmath/_batch.c), which calls the library's function once per
 element.
 """
 import functools
@@ -136,6 +136,19 @@ def rotations(r, name, lead):
                                    % (name, at, det[where]))
 
 
+def unit_quats(q, name, lead):
+    """InvalidArgumentError at the first quaternion (the last axis of q) computed from a matrix
+    whose squared length is not within 0.1 of 1: the matrix was no rotation. Cheaper than the
+    determinant for the conversions that give quaternions anyway."""
+    sq = np.einsum("...i,...i->...", q, q)
+    bad = np.abs(sq - 1.0) > 0.1
+    if bad.any():
+        where = np.unravel_index(int(np.argmax(bad.ravel())), bad.shape)
+        at = " at batch index %s" % _index(where[:lead]) if lead else ""
+        raise InvalidArgumentError("%s: not a rotation%s (its quaternion has length %g, not 1)"
+                                   % (name, at, math.sqrt(sq[where])))
+
+
 def finite_result(fn):
     """fn with its result checked: a NaN or infinite value in it (from an argument outside the
     function's domain, or one so large that the result overflows) raises InvalidArgumentError
@@ -257,11 +270,12 @@ def mapped(fn, inputs, out_shape, scalars=(), inplace=None, written=()):
 
 def square_shape(x, name, sizes):
     """The n of an (..., n, n) array-like whose n is one of sizes."""
-    a = array(x, name, (), batch=True, finite=False)
-    n = a.shape[-1] if a.ndim >= 2 else None
-    if a.ndim < 2 or a.shape[-2] != n or n not in sizes:
+    shape = x.shape if isinstance(x, np.ndarray) else array(x, name, (), batch=True,
+                                                            finite=False).shape
+    n = shape[-1] if len(shape) >= 2 else None
+    if len(shape) < 2 or shape[-2] != n or n not in sizes:
         raise ValueError("%s: expected shape (..., n, n) with n in %s, got %s"
-                         % (name, "/".join(map(str, sizes)), a.shape))
+                         % (name, "/".join(map(str, sizes)), shape))
     return n
 
 

@@ -84,7 +84,9 @@ def from_matrix(r) -> np.ndarray:
     transforms (not normalised)."""
     n = A.square_shape(r, "r", (3, 4))
     fn = "QZ_Matrix2Quaternion4" if n == 4 else "QZ_Matrix2Quaternion3"
-    return A.mapped(fn, [(r, "r", (n, n), A.ROTATION)], Q)[0]
+    out = A.mapped(fn, [(r, "r", (n, n))], Q)[0]
+    A.unit_quats(out, "r", out.ndim - 1)
+    return out
 
 
 def to_matrix(q) -> np.ndarray:
@@ -111,7 +113,9 @@ def rotate(q, v) -> np.ndarray:
 
 def pose_from_matrix(t) -> np.ndarray:
     """(..., 7) PosQuat poses of (..., 4, 4) transforms."""
-    return A.mapped("QZ_Matrix2PosQuat", [(t, "t", (4, 4), A.ROTATION)], (7,))[0]
+    out = A.mapped("QZ_Matrix2PosQuat", [(t, "t", (4, 4))], (7,))[0]
+    A.unit_quats(out[..., 3:], "t", out.ndim - 1)
+    return out
 
 
 def pose_to_matrix(pose, normalize: bool = True) -> np.ndarray:

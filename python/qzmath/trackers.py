@@ -65,7 +65,8 @@ class _Record:
 
     def _guarded(self, call, *outputs):
         """call() with the record put back as it was, and InvalidArgumentError raised, when it
-        leaves a non-finite value in outputs (arrays whose first axis counts cycles)."""
+        leaves a non-finite value in outputs (arrays whose first axis counts cycles). Runs check
+        their positions only: a velocity or acceleration gone bad shows in the next position."""
         saved = bytes(self._rec)
         result = call()
         for out in outputs:
@@ -198,7 +199,7 @@ class Tracker(_Tracker):
         pos, vel = np.empty(len(t)), np.empty(len(t))
         done = self._guarded(lambda: batch.qzb_run_tracker(
             address("QZVDT_OnDT"), self._p, len(t), t.ctypes.data, pos.ctypes.data,
-            vel.ctypes.data), pos, vel)
+            vel.ctypes.data), pos)
         if done < len(t):
             _refused("run")
         return Path(pos, vel, None)
@@ -431,7 +432,7 @@ class SmoothedTracker(_NAxis):
         pos, vel, acc = (np.empty(t.shape) for _ in range(3))
         done = self._guarded(lambda: batch.qzb_run_rows(
             address("QZNSyncDTS_OnDT2"), self._p, len(t), self._n, t.ctypes.data,
-            pos.ctypes.data, vel.ctypes.data, acc.ctypes.data), pos, vel, acc)
+            pos.ctypes.data, vel.ctypes.data, acc.ctypes.data), pos)
         if done < len(t):
             _refused("run")
         return Path(pos, vel, acc)
@@ -516,7 +517,7 @@ class SmoothedMultiStageTracker(_NAxis):
         done = self._guarded(lambda: batch.qzb_run_rows_query(
             address("QZNSyncDTS_OnDTM"), address("QZNSyncDTS_OnGetCurPVAM"), self._p, len(t),
             self._n, t.ctypes.data, pos.ctypes.data, vel.ctypes.data, acc.ctypes.data,
-            self._scratch.ctypes.data), pos, vel, acc)
+            self._scratch.ctypes.data), pos)
         if done < len(t):
             _refused("run")
         return Path(pos, vel, acc)
