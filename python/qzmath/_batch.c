@@ -21,89 +21,87 @@ typedef double D;
 typedef int64_t I;
 
 /* One loop per result type: the cast gives the call the function's true result type. */
-#define QZB_LOOP(PARAMS, ARGS)                                                      \
-  do {                                                                              \
-    I i;                                                                            \
-    switch (ret) {                                                                  \
-    case 1:                                                                         \
-      for (i = 0; i < n; ++i) {                                                     \
-        D r = (D)((uint8_t(*) PARAMS)fn) ARGS;                                      \
-        if (res) res[i] = r;                                                        \
-      }                                                                             \
-      break;                                                                        \
-    case 2:                                                                         \
-      for (i = 0; i < n; ++i) {                                                     \
-        D r = (D)((uint32_t(*) PARAMS)fn) ARGS;                                     \
-        if (res) res[i] = r;                                                        \
-      }                                                                             \
-      break;                                                                        \
-    case 3:                                                                         \
-      for (i = 0; i < n; ++i) {                                                     \
-        D r = (D)((int32_t(*) PARAMS)fn) ARGS;                                      \
-        if (res) res[i] = r;                                                        \
-      }                                                                             \
-      break;                                                                        \
-    case 4:                                                                         \
-      for (i = 0; i < n; ++i) {                                                     \
-        D r = ((D(*) PARAMS)fn) ARGS;                                               \
-        if (res) res[i] = r;                                                        \
-      }                                                                             \
-      break;                                                                        \
-    default:                                                                        \
-      for (i = 0; i < n; ++i) ((void(*) PARAMS)fn) ARGS;                            \
-    }                                                                               \
-  } while (0)
+#define QZB_LOOP(PARAMS, ARGS)                                     \
+    do {                                                           \
+        I i;                                                       \
+        switch (ret) {                                             \
+            case 1:                                                \
+                for (i = 0; i < n; ++i) {                          \
+                    D r = (D)((uint8_t(*) PARAMS)fn)ARGS;          \
+                    if (res) res[i] = r;                           \
+                }                                                  \
+                break;                                             \
+            case 2:                                                \
+                for (i = 0; i < n; ++i) {                          \
+                    D r = (D)((uint32_t(*) PARAMS)fn)ARGS;         \
+                    if (res) res[i] = r;                           \
+                }                                                  \
+                break;                                             \
+            case 3:                                                \
+                for (i = 0; i < n; ++i) {                          \
+                    D r = (D)((int32_t(*) PARAMS)fn)ARGS;          \
+                    if (res) res[i] = r;                           \
+                }                                                  \
+                break;                                             \
+            case 4:                                                \
+                for (i = 0; i < n; ++i) {                          \
+                    D r = ((D(*) PARAMS)fn)ARGS;                   \
+                    if (res) res[i] = r;                           \
+                }                                                  \
+                break;                                             \
+            default:                                               \
+                for (i = 0; i < n; ++i) ((void(*) PARAMS)fn) ARGS; \
+        }                                                          \
+    } while (0)
 
 #define P(k) (p##k + i * s##k)
 
-QZB_API void qzb_p(void *fn, int ret, I n, D *p0, I s0, D *res) {
-  QZB_LOOP((D *), (P(0)));
-}
+QZB_API void qzb_p(void *fn, int ret, I n, D *p0, I s0, D *res) { QZB_LOOP((D *), (P(0))); }
 
 QZB_API void qzb_pp(void *fn, int ret, I n, D *p0, I s0, D *p1, I s1, D *res) {
-  QZB_LOOP((D *, D *), (P(0), P(1)));
+    QZB_LOOP((D *, D *), (P(0), P(1)));
 }
 
 QZB_API void qzb_ppp(void *fn, int ret, I n, D *p0, I s0, D *p1, I s1, D *p2, I s2, D *res) {
-  QZB_LOOP((D *, D *, D *), (P(0), P(1), P(2)));
+    QZB_LOOP((D *, D *, D *), (P(0), P(1), P(2)));
 }
 
 QZB_API void qzb_sp(void *fn, int ret, I n, D *p0, I s0, D *p1, I s1, D *res) {
-  QZB_LOOP((D, D *), (*P(0), P(1)));
+    QZB_LOOP((D, D *), (*P(0), P(1)));
 }
 
-QZB_API void qzb_sssp(void *fn, int ret, I n, D *p0, I s0, D *p1, I s1, D *p2, I s2, D *p3,
-                      I s3, D *res) {
-  QZB_LOOP((D, D, D, D *), (*P(0), *P(1), *P(2), P(3)));
+QZB_API void qzb_sssp(void *fn, int ret, I n, D *p0, I s0, D *p1, I s1, D *p2, I s2, D *p3, I s3,
+                      D *res) {
+    QZB_LOOP((D, D, D, D *), (*P(0), *P(1), *P(2), P(3)));
 }
 
-QZB_API void qzb_ssssp(void *fn, int ret, I n, D *p0, I s0, D *p1, I s1, D *p2, I s2, D *p3,
-                       I s3, D *p4, I s4, D *res) {
-  QZB_LOOP((D, D, D, D, D *), (*P(0), *P(1), *P(2), *P(3), P(4)));
+QZB_API void qzb_ssssp(void *fn, int ret, I n, D *p0, I s0, D *p1, I s1, D *p2, I s2, D *p3, I s3,
+                       D *p4, I s4, D *res) {
+    QZB_LOOP((D, D, D, D, D *), (*P(0), *P(1), *P(2), *P(3), P(4)));
 }
 
-QZB_API void qzb_ppsp(void *fn, int ret, I n, D *p0, I s0, D *p1, I s1, D *p2, I s2, D *p3,
-                      I s3, D *res) {
-  QZB_LOOP((D *, D *, D, D *), (P(0), P(1), *P(2), P(3)));
+QZB_API void qzb_ppsp(void *fn, int ret, I n, D *p0, I s0, D *p1, I s1, D *p2, I s2, D *p3, I s3,
+                      D *res) {
+    QZB_LOOP((D *, D *, D, D *), (P(0), P(1), *P(2), P(3)));
 }
 
 /* The factor-form slerp: the fifth argument is the record that carries the pair's angle from one
  * call to the next, the same for every element. */
-QZB_API void qzb_ppspr(void *fn, int ret, I n, D *p0, I s0, D *p1, I s1, D *p2, I s2, D *p3,
-                       I s3, void *rec, D *res) {
-  QZB_LOOP((D *, D *, D, D *, void *), (P(0), P(1), *P(2), P(3), rec));
+QZB_API void qzb_ppspr(void *fn, int ret, I n, D *p0, I s0, D *p1, I s1, D *p2, I s2, D *p3, I s3,
+                       void *rec, D *res) {
+    QZB_LOOP((D *, D *, D, D *, void *), (P(0), P(1), *P(2), P(3), rec));
 }
 
 /* Rotation of vectors by quaternions: the quaternion's matrix (to_matrix), then the matrix times
  * the vector (mat_vec), the two library calls a single element makes, without the intermediate
  * batch of matrices. */
-QZB_API void qzb_quat_rotate(void *to_matrix, void *mat_vec, I n, D *p0, I s0, D *p1, I s1,
-                             D *p2, I s2) {
-  D m[9];
-  for (I i = 0; i < n; ++i) {
-    ((void (*)(D *, D *))to_matrix)(P(0), m);
-    ((void (*)(D *, D *, D *))mat_vec)(m, P(1), P(2));
-  }
+QZB_API void qzb_quat_rotate(void *to_matrix, void *mat_vec, I n, D *p0, I s0, D *p1, I s1, D *p2,
+                             I s2) {
+    D m[9];
+    for (I i = 0; i < n; ++i) {
+        ((void (*)(D *, D *))to_matrix)(P(0), m);
+        ((void (*)(D *, D *, D *))mat_vec)(m, P(1), P(2));
+    }
 }
 
 /* Tracker runs: n cycles, one target (or row of targets) per cycle. Each returns the number of
@@ -112,42 +110,41 @@ QZB_API void qzb_quat_rotate(void *to_matrix, void *mat_vec, I n, D *p0, I s0, D
 
 /* Single-axis tracker: positions and the record's velocity after each cycle. */
 QZB_API I qzb_run_tracker(void *step, QZVDTState *s, I n, const D *target, D *pos, D *vel) {
-  uint8_t (*f)(QZVDTState *, D, D *) = (uint8_t(*)(QZVDTState *, D, D *))step;
-  for (I i = 0; i < n; ++i) {
-    if (!f(s, target[i], pos + i)) return i;
-    vel[i] = s->vel;
-  }
-  return n;
+    uint8_t (*f)(QZVDTState *, D, D *) = (uint8_t(*)(QZVDTState *, D, D *))step;
+    for (I i = 0; i < n; ++i) {
+        if (!f(s, target[i], pos + i)) return i;
+        vel[i] = s->vel;
+    }
+    return n;
 }
 
 /* Single-axis multi-stage tracker: positions only (its record keeps no summed velocity). */
 QZB_API I qzb_run_tracker_m(void *step, void *s, I n, const D *target, D *pos) {
-  uint8_t (*f)(void *, D, D *) = (uint8_t(*)(void *, D, D *))step;
-  for (I i = 0; i < n; ++i)
-    if (!f(s, target[i], pos + i)) return i;
-  return n;
+    uint8_t (*f)(void *, D, D *) = (uint8_t(*)(void *, D, D *))step;
+    for (I i = 0; i < n; ++i)
+        if (!f(s, target[i], pos + i)) return i;
+    return n;
 }
 
 /* N-axis smoothed tracker: one step that writes positions, velocities and accelerations. Rows
  * are `axes` doubles apart. */
-QZB_API I qzb_run_rows(void *step, void *s, I n, I axes, const D *target, D *pos, D *vel,
-                       D *acc) {
-  uint8_t (*f)(void *, const D *, D *, D *, D *) =
-      (uint8_t(*)(void *, const D *, D *, D *, D *))step;
-  for (I i = 0, k = 0; i < n; ++i, k += axes)
-    if (!f(s, target + k, pos + k, vel + k, acc + k)) return i;
-  return n;
+QZB_API I qzb_run_rows(void *step, void *s, I n, I axes, const D *target, D *pos, D *vel, D *acc) {
+    uint8_t (*f)(void *, const D *, D *, D *, D *) =
+        (uint8_t(*)(void *, const D *, D *, D *, D *))step;
+    for (I i = 0, k = 0; i < n; ++i, k += axes)
+        if (!f(s, target + k, pos + k, vel + k, acc + k)) return i;
+    return n;
 }
 
 /* N-axis multi-stage tracker: a step that writes positions, then the query of the velocities and
  * accelerations it reached (its targets and positions go to scratch, 16 doubles). */
-QZB_API I qzb_run_rows_query(void *step, void *query, void *s, I n, I axes, const D *target,
-                             D *pos, D *vel, D *acc, D *scratch) {
-  uint8_t (*f)(void *, const D *, D *) = (uint8_t(*)(void *, const D *, D *))step;
-  uint8_t (*q)(void *, D *, D *, D *, D *) = (uint8_t(*)(void *, D *, D *, D *, D *))query;
-  for (I i = 0, k = 0; i < n; ++i, k += axes) {
-    if (!f(s, target + k, pos + k)) return i;
-    q(s, scratch, scratch + 8, vel + k, acc + k);
-  }
-  return n;
+QZB_API I qzb_run_rows_query(void *step, void *query, void *s, I n, I axes, const D *target, D *pos,
+                             D *vel, D *acc, D *scratch) {
+    uint8_t (*f)(void *, const D *, D *) = (uint8_t(*)(void *, const D *, D *))step;
+    uint8_t (*q)(void *, D *, D *, D *, D *) = (uint8_t(*)(void *, D *, D *, D *, D *))query;
+    for (I i = 0, k = 0; i < n; ++i, k += axes) {
+        if (!f(s, target + k, pos + k)) return i;
+        q(s, scratch, scratch + 8, vel + k, acc + k);
+    }
+    return n;
 }
