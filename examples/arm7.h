@@ -1,11 +1,11 @@
 /*
  * arm7.h: forward kinematics and the geometric Jacobian of a seven-joint arm, built from the
- * library's modified Denavit-Hartenberg link transforms. Shared by example 09, the measuring
- * programs of docs/ and the test that checks both against KDL.
+ * library's modified Denavit-Hartenberg link transforms. Shared by examples 06, 07 and 09, the
+ * measuring programs of docs/ and the test that checks both against KDL.
  *
- * The arm is an anthropomorphic seven-joint arm with small elbow and wrist offsets (the arm of
- * examples 06 and 07), lengths in millimetres. Pass a length scale to work in another unit:
- * 1.0 for millimetres, 0.001 for metres.
+ * The arm is an anthropomorphic seven-joint arm with small elbow and wrist offsets, lengths in
+ * millimetres. Pass a length scale to work in another unit: 1.0 for millimetres, 0.001 for
+ * metres.
  *
  * The Jacobian has the layout the library's Jacobian transforms expect: six rows, one column per
  * joint, row-major (element [i][j] at 7i + j). Rows 0-2 are the linear velocity of the flange
@@ -40,8 +40,8 @@ static const Arm7Link kArm7Flange = {0.0, 0.0, 107.0};
 
 /* Frames of the seven joints (frames[i]: joint i+1's axis is its z axis) and of the flange, in
  * the base frame, for joint angles q (rad) and a length scale (1.0: mm). */
-static void arm7_frames(const double q[ARM7_JOINTS], double scale, double frames[ARM7_JOINTS][16],
-                        double flange[16]) {
+static inline void arm7_frames(const double q[ARM7_JOINTS], double scale,
+                               double frames[ARM7_JOINTS][16], double flange[16]) {
     double link[16];
     const Arm7Link *l = &kArm7Links[0];
     QZ_DH2Matrix(l->alpha, scale * l->a, scale * l->d, q[0], frames[0]);
@@ -55,13 +55,14 @@ static void arm7_frames(const double q[ARM7_JOINTS], double scale, double frames
 }
 
 /* Flange transform t (16) for joint angles q (rad). */
-static void arm7_fk(const double q[ARM7_JOINTS], double scale, double t[16]) {
+static inline void arm7_fk(const double q[ARM7_JOINTS], double scale, double t[16]) {
     double frames[ARM7_JOINTS][16];
     arm7_frames(q, scale, frames, t);
 }
 
 /* Geometric Jacobian j (6x7, 42) at the flange origin in base axes, and the flange transform t. */
-static void arm7_jacobian(const double q[ARM7_JOINTS], double scale, double j[42], double t[16]) {
+static inline void arm7_jacobian(const double q[ARM7_JOINTS], double scale, double j[42],
+                                 double t[16]) {
     double frames[ARM7_JOINTS][16];
     arm7_frames(q, scale, frames, t);
     const double pFlange[3] = {t[3], t[7], t[11]};

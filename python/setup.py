@@ -1,5 +1,7 @@
 """Build step of the qzmath package (metadata in pyproject.toml): puts the libraries the package
-loads inside it, so that an installed package (a virtual environment, say) is self-contained.
+loads inside it, so that an installed package (a virtual environment, say) is self-contained, and
+records in qzmath/_version.py the package's version, which is the project's (project() in
+CMakeLists.txt).
 
 - With no library named, CMake builds libQZMath and the batch helper libQZMathBatch from the
   source tree this package sits in, with the project's own flags, and both are copied into the
@@ -12,6 +14,7 @@ Building needs CMake and a C++ compiler (Debian: cmake g++), at install time onl
 package imports without them.
 """
 import os
+import runpy
 import shutil
 import subprocess
 
@@ -21,6 +24,15 @@ from setuptools.command.build_py import build_py
 HERE = os.path.dirname(os.path.abspath(__file__))
 ROOT = os.path.dirname(HERE)
 LIB, BATCH = "libQZMath.so.1", "libQZMathBatch.so"
+
+
+def version():
+    tree_version = runpy.run_path(os.path.join(HERE, "qzmath", "_project.py"))["tree_version"]
+    v = tree_version(os.path.dirname(HERE))
+    if v is None:
+        raise SystemExit("qzmath takes its version from the source tree's CMakeLists.txt, which"
+                         " %s does not have" % os.path.dirname(HERE))
+    return v
 
 
 def cmake_build(work, targets):
@@ -64,6 +76,9 @@ class BuildWithLibraries(build_py):
         with open(os.path.join(package, "_libpath.py"), "w") as f:
             f.write('"""Written at install: the library this package loads (relative to the'
                     ' package, or absolute)."""\n__all__ = ["LIBRARY"]\nLIBRARY = %r\n' % recorded)
+        with open(os.path.join(package, "_version.py"), "w") as f:
+            f.write('"""Written at install: the version of this package."""\n'
+                    '__all__ = ["VERSION"]\nVERSION = %r\n' % version())
 
 
 class WithLibraries(Distribution):
@@ -73,4 +88,4 @@ class WithLibraries(Distribution):
         return True
 
 
-setup(cmdclass={"build_py": BuildWithLibraries}, distclass=WithLibraries)
+setup(version=version(), cmdclass={"build_py": BuildWithLibraries}, distclass=WithLibraries)
