@@ -249,11 +249,11 @@ def mapped(fn, inputs, out_shape, scalars=(), inplace=None, written=()):
     if inplace is not None:
         out, out_shape = args[-1][0], tuple(inplace[2])
     elif out_shape is not None:
-        out = np.empty(lead + tuple(out_shape))
+        out = np.zeros(lead + tuple(out_shape))
         args.append((out, int(np.prod(out_shape, dtype=np.int64))))
     else:
         out = None
-    results = np.empty(lead)
+    results = np.zeros(lead)
     loop = getattr(_batch, "qzb_" + sig)
     flat = [x for a, step in args for x in (a.ctypes.data, step)]
     if count:

@@ -163,7 +163,7 @@ class Slerp:
     def __call__(self, t) -> np.ndarray:
         """Quaternions at t (any shape): shape t.shape + (4,)."""
         ts = A.array(t, "t", (), batch=True)
-        out = np.empty(ts.shape + Q)
+        out = np.zeros(ts.shape + Q)
         if ts.size:
             batch.qzb_ppspr(self._fn, 0, ts.size, self._q1.ctypes.data, 0, self._q2.ctypes.data,
                             0, ts.ctypes.data, 1, out.ctypes.data, 4,
