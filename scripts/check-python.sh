@@ -28,6 +28,9 @@ cp -r python/tests python/examples "$work"/
 cd "$work"
 loaded="$(env -u QZMATH_LIB "$work/venv/bin/python" -c 'import qzmath; print(qzmath.LIBRARY_PATH)')"
 echo "== loads: $loaded"
+# The installed package's version (recorded at install) is the project's, as the library says.
+env -u QZMATH_LIB "$work/venv/bin/python" -c \
+  'import qzmath as q; assert q.__version__ == q.LIBRARY_VERSION, (q.__version__, q.LIBRARY_VERSION)'
 case "$(readlink -f "$loaded")" in
   "$(readlink -f "$work/venv")"/*) ;;
   *) echo "the installed package loads $loaded, not its own library" >&2; exit 1 ;;

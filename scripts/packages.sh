@@ -16,3 +16,9 @@ QZ_DETERMINISM_PACKAGES="$QZ_BUILD_PACKAGES clang g++-aarch64-linux-gnu qemu-use
 QZ_PLOT_PACKAGES="gnuplot-nox"
 # API reference: Doxygen renders the header comments, Python writes the index (scripts/docs-api.sh).
 QZ_DOCS_PACKAGES="doxygen python3"
+# Static analysis of the library's sources and C++ headers (scripts/static-analysis.sh); Eigen for
+# qzmath/eigen.hpp.
+QZ_ANALYSIS_PACKAGES="$QZ_BUILD_PACKAGES clang clang-tidy cppcheck libeigen3-dev"
+# Line and branch coverage of src/ by the unit tests and the golden vectors (scripts/coverage.sh):
+# gcov comes with gcc.
+QZ_COVERAGE_PACKAGES="$QZ_TEST_PACKAGES gcc"

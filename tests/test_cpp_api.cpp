@@ -206,8 +206,6 @@ TEST(CppApi, FailuresComeBackUnderTheirOwnReason) {
         {qz::cholesky(indefinite).status(), S::not_positive_definite},
         {qz::euler_zyz(qz::rot_z(qz::Rad{0.4})).status(), S::zyz_singular},
         {qz::pose_zyz<qz::Rad>(qz::identity<4>()).status(), S::zyz_singular},
-        {qz::normalize(qz::Vec3{}).status(), S::zero_length},
-        {qz::inverse(qz::Quat{}).status(), S::zero_length},
         {qz::line_cross({}, {{1, 0, 0}}, {{1, 0, 0}}, {{1, 0, 0}}).status(), S::parallel},
         {qz::eig(indefinite, 0.0).status(), S::failed},
         {qz::inverse(indefinite).status(), S::ok},
