@@ -21,34 +21,21 @@ typedef double D;
 typedef int64_t I;
 
 /* One loop per result type: the cast gives the call the function's true result type. */
+#define QZB_CALLS(R, PARAMS, ARGS)            \
+    for (i = 0; i < n; ++i) {                 \
+        const D r = (D)((R(*) PARAMS)fn)ARGS; \
+        if (res) res[i] = r;                  \
+    }                                         \
+    break
+
 #define QZB_LOOP(PARAMS, ARGS)                                     \
     do {                                                           \
         I i;                                                       \
         switch (ret) {                                             \
-            case 1:                                                \
-                for (i = 0; i < n; ++i) {                          \
-                    D r = (D)((uint8_t(*) PARAMS)fn)ARGS;          \
-                    if (res) res[i] = r;                           \
-                }                                                  \
-                break;                                             \
-            case 2:                                                \
-                for (i = 0; i < n; ++i) {                          \
-                    D r = (D)((uint32_t(*) PARAMS)fn)ARGS;         \
-                    if (res) res[i] = r;                           \
-                }                                                  \
-                break;                                             \
-            case 3:                                                \
-                for (i = 0; i < n; ++i) {                          \
-                    D r = (D)((int32_t(*) PARAMS)fn)ARGS;          \
-                    if (res) res[i] = r;                           \
-                }                                                  \
-                break;                                             \
-            case 4:                                                \
-                for (i = 0; i < n; ++i) {                          \
-                    D r = ((D(*) PARAMS)fn)ARGS;                   \
-                    if (res) res[i] = r;                           \
-                }                                                  \
-                break;                                             \
+            case 1: QZB_CALLS(uint8_t, PARAMS, ARGS);              \
+            case 2: QZB_CALLS(uint32_t, PARAMS, ARGS);             \
+            case 3: QZB_CALLS(int32_t, PARAMS, ARGS);              \
+            case 4: QZB_CALLS(D, PARAMS, ARGS);                    \
             default:                                               \
                 for (i = 0; i < n; ++i) ((void(*) PARAMS)fn) ARGS; \
         }                                                          \
