@@ -78,22 +78,21 @@ with warnings.catch_warnings():
 
 
 def c_loop(tracker, target):
-    """The cycles of run(target, cycles=N) stepped by the C loop alone."""
-    t = np.ascontiguousarray(np.broadcast_to(target, (N,) + np.shape(target)))
-    pos, vel, acc = (np.empty(t.shape) for _ in range(3))
-    h, p = _api.batch, tracker._p  # the lambdas hold tracker, which owns the record at p
+    """The cycles of run(target, cycles=N) stepped by the C loop alone (one target held)."""
+    t = np.array(target, dtype=float)
+    pos, vel, acc = (np.empty((N,) + t.shape) for _ in range(3))
+    h, p, at = _api.batch, tracker._p, _api.address  # the lambdas hold tracker, the record's owner
     if isinstance(tracker, qzmath.Tracker):
-        return lambda: tracker and h.qzb_run_tracker(_api.address("QZVDT_OnDT"), p, N,
-                                                     t.ctypes.data, pos.ctypes.data,
-                                                     vel.ctypes.data)
+        return lambda: tracker and h.qzb_run_tracker(at("QZVDT_OnDT"), p, N, t.ctypes.data, 0,
+                                                     pos.ctypes.data, vel.ctypes.data)
     if isinstance(tracker, qzmath.SmoothedTracker):
-        return lambda: tracker and h.qzb_run_rows(_api.address("QZNSyncDTS_OnDT2"), p, N, 7,
-                                                  t.ctypes.data, pos.ctypes.data,
-                                                  vel.ctypes.data, acc.ctypes.data)
+        return lambda: tracker and h.qzb_run_rows(at("QZNSyncDTS_OnDT2"), p, N, 7, t.ctypes.data,
+                                                  0, pos.ctypes.data, vel.ctypes.data,
+                                                  acc.ctypes.data)
     scratch = np.empty(16)
     return lambda: tracker and h.qzb_run_rows_query(
-        _api.address("QZNSyncDTS_OnDTM"), _api.address("QZNSyncDTS_OnGetCurPVAM"), p, N, 7,
-        t.ctypes.data, pos.ctypes.data, vel.ctypes.data, acc.ctypes.data, scratch.ctypes.data)
+        at("QZNSyncDTS_OnDTM"), at("QZNSyncDTS_OnGetCurPVAM"), p, N, 7, t.ctypes.data, 0,
+        pos.ctypes.data, vel.ctypes.data, acc.ctypes.data, scratch.ctypes.data)
 
 
 print(f"\n{N} tracker cycles, best of 9, each from a freshly made tracker\n"

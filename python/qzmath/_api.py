@@ -233,10 +233,10 @@ def _bind_batch(helper):
     fn.restype, fn.argtypes = None, [_VP, ctypes.c_int, _I64] + [_VP, _I64] * 4 + [_VP, _VP]
     fn = helper.qzb_quat_rotate
     fn.restype, fn.argtypes = None, [_VP, _VP, _I64] + [_VP, _I64] * 3
-    runs = {"qzb_run_tracker": [_VP, _VP, _I64] + [_VP] * 3,
-            "qzb_run_tracker_m": [_VP, _VP, _I64] + [_VP] * 2,
-            "qzb_run_rows": [_VP, _VP, _I64, _I64] + [_VP] * 4,
-            "qzb_run_rows_query": [_VP, _VP, _VP, _I64, _I64] + [_VP] * 5}
+    runs = {"qzb_run_tracker": [_VP, _VP, _I64, _VP, _I64, _VP, _VP],
+            "qzb_run_tracker_m": [_VP, _VP, _I64, _VP, _I64, _VP],
+            "qzb_run_rows": [_VP, _VP, _I64, _I64, _VP, _I64] + [_VP] * 3,
+            "qzb_run_rows_query": [_VP, _VP, _VP, _I64, _I64, _VP, _I64] + [_VP] * 4}
     for name, argtypes in runs.items():
         fn = getattr(helper, name)
         fn.restype, fn.argtypes = _I64, argtypes

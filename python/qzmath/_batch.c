@@ -91,46 +91,49 @@ QZB_API void qzb_quat_rotate(void *to_matrix, void *mat_vec, I n, D *p0, I s0, D
     }
 }
 
-/* Tracker runs: n cycles, one target (or row of targets) per cycle. Each returns the number of
- * cycles stepped, which is n unless the step function refused a cycle (the record not
- * initialised): that cycle and the ones after it are not written. */
+/* Tracker runs: n cycles, the target (or row of targets) of cycle i at target + i * tstep, so
+ * that a tstep of 0 holds one target for every cycle. Each returns the number of cycles stepped,
+ * which is n unless the step function refused a cycle (the record not initialised): that cycle
+ * and the ones after it are not written. */
 
 /* Single-axis tracker: positions and the record's velocity after each cycle. */
-QZB_API I qzb_run_tracker(void *step, QZVDTState *s, I n, const D *target, D *pos, D *vel) {
+QZB_API I qzb_run_tracker(void *step, QZVDTState *s, I n, const D *target, I tstep, D *pos,
+                          D *vel) {
     uint8_t (*f)(QZVDTState *, D, D *) = (uint8_t(*)(QZVDTState *, D, D *))step;
     for (I i = 0; i < n; ++i) {
-        if (!f(s, target[i], pos + i)) return i;
+        if (!f(s, target[i * tstep], pos + i)) return i;
         vel[i] = s->vel;
     }
     return n;
 }
 
 /* Single-axis multi-stage tracker: positions only (its record keeps no summed velocity). */
-QZB_API I qzb_run_tracker_m(void *step, void *s, I n, const D *target, D *pos) {
+QZB_API I qzb_run_tracker_m(void *step, void *s, I n, const D *target, I tstep, D *pos) {
     uint8_t (*f)(void *, D, D *) = (uint8_t(*)(void *, D, D *))step;
     for (I i = 0; i < n; ++i)
-        if (!f(s, target[i], pos + i)) return i;
+        if (!f(s, target[i * tstep], pos + i)) return i;
     return n;
 }
 
-/* N-axis smoothed tracker: one step that writes positions, velocities and accelerations. Rows
- * are `axes` doubles apart. */
-QZB_API I qzb_run_rows(void *step, void *s, I n, I axes, const D *target, D *pos, D *vel, D *acc) {
+/* N-axis smoothed tracker: one step that writes positions, velocities and accelerations. Output
+ * rows are `axes` doubles apart. */
+QZB_API I qzb_run_rows(void *step, void *s, I n, I axes, const D *target, I tstep, D *pos, D *vel,
+                       D *acc) {
     uint8_t (*f)(void *, const D *, D *, D *, D *) =
         (uint8_t(*)(void *, const D *, D *, D *, D *))step;
     for (I i = 0, k = 0; i < n; ++i, k += axes)
-        if (!f(s, target + k, pos + k, vel + k, acc + k)) return i;
+        if (!f(s, target + i * tstep, pos + k, vel + k, acc + k)) return i;
     return n;
 }
 
 /* N-axis multi-stage tracker: a step that writes positions, then the query of the velocities and
  * accelerations it reached (its targets and positions go to scratch, 16 doubles). */
-QZB_API I qzb_run_rows_query(void *step, void *query, void *s, I n, I axes, const D *target, D *pos,
-                             D *vel, D *acc, D *scratch) {
+QZB_API I qzb_run_rows_query(void *step, void *query, void *s, I n, I axes, const D *target,
+                             I tstep, D *pos, D *vel, D *acc, D *scratch) {
     uint8_t (*f)(void *, const D *, D *) = (uint8_t(*)(void *, const D *, D *))step;
     uint8_t (*q)(void *, D *, D *, D *, D *) = (uint8_t(*)(void *, D *, D *, D *, D *))query;
     for (I i = 0, k = 0; i < n; ++i, k += axes) {
-        if (!f(s, target + k, pos + k)) return i;
+        if (!f(s, target + i * tstep, pos + k)) return i;
         q(s, scratch, scratch + 8, vel + k, acc + k);
     }
     return n;

@@ -70,7 +70,7 @@ class _Record:
         saved = bytes(self._rec)
         result = call()
         for out in outputs:
-            if out is not None and not np.isfinite(out).all():
+            if out is not None and not A.all_finite(out):
                 ctypes.memmove(self._p, saved, len(saved))
                 cycle = int(np.argmin(np.isfinite(out).reshape(len(out), -1).all(axis=1))) \
                     if out.ndim else 0
@@ -148,8 +148,8 @@ def _warn_all(messages):
 
 
 class _Tracker(_Record):
-    """run() shared by every tracker: _one is the shape of one target, _run steps an (N, ...)
-    array of targets."""
+    """run() shared by every tracker: _one is the shape of one target, and _run(t, n, tstep) steps
+    n cycles, cycle i towards the target at row i * tstep of t (tstep 0: one target held)."""
 
     _one = ()
 
@@ -164,11 +164,10 @@ class _Tracker(_Record):
                 want = "(N, %d)" % self._one[0] if self._one else "(N,)"
                 raise ValueError("targets: expected shape %s, got %s (or give one target and"
                                  " cycles)" % (want, t.shape))
-        else:
-            n = A.integer(cycles, "cycles", 0, _MAX_CYCLES)
-            one = A.array(targets, "targets", self._one)
-            t = np.ascontiguousarray(np.broadcast_to(one, (n,) + self._one))
-        return self._run(t)
+            return self._run(t, len(t), int(np.prod(self._one, dtype=np.int64)))
+        # one target held: the loop reads the same row every cycle
+        return self._run(A.array(targets, "targets", self._one),
+                         A.integer(cycles, "cycles", 0, _MAX_CYCLES), 0)
 
 
 class Tracker(_Tracker):
@@ -195,12 +194,12 @@ class Tracker(_Tracker):
             _refused("step")
         return float(self._out[0])
 
-    def _run(self, t):
-        pos, vel = np.empty(len(t)), np.empty(len(t))
+    def _run(self, t, n, tstep):
+        pos, vel = np.empty(n), np.empty(n)
         done = self._guarded(lambda: batch.qzb_run_tracker(
-            address("QZVDT_OnDT"), self._p, len(t), t.ctypes.data, pos.ctypes.data,
+            address("QZVDT_OnDT"), self._p, n, t.ctypes.data, tstep, pos.ctypes.data,
             vel.ctypes.data), pos)
-        if done < len(t):
+        if done < n:
             _refused("run")
         return Path(pos, vel, None)
 
@@ -283,11 +282,11 @@ class MultiStageTracker(_Tracker):
             _refused("step")
         return float(self._out[0])
 
-    def _run(self, t):
-        pos = np.empty(len(t))
+    def _run(self, t, n, tstep):
+        pos = np.empty(n)
         done = self._guarded(lambda: batch.qzb_run_tracker_m(
-            address("QZVDT_OnDT_BM"), self._p, len(t), t.ctypes.data, pos.ctypes.data), pos)
-        if done < len(t):
+            address("QZVDT_OnDT_BM"), self._p, n, t.ctypes.data, tstep, pos.ctypes.data), pos)
+        if done < n:
             _refused("run")
         return Path(pos, None, None)
 
@@ -428,12 +427,12 @@ class SmoothedTracker(_NAxis):
         out = self._stepped(raw.QZNSyncDTS_OnDT, A.addr(self._targets(targets)))
         return _refused("step") if out is None else out
 
-    def _run(self, t):
-        pos, vel, acc = (np.empty(t.shape) for _ in range(3))
+    def _run(self, t, n, tstep):
+        pos, vel, acc = (np.empty((n, self._n)) for _ in range(3))
         done = self._guarded(lambda: batch.qzb_run_rows(
-            address("QZNSyncDTS_OnDT2"), self._p, len(t), self._n, t.ctypes.data,
+            address("QZNSyncDTS_OnDT2"), self._p, n, self._n, t.ctypes.data, tstep,
             pos.ctypes.data, vel.ctypes.data, acc.ctypes.data), pos)
-        if done < len(t):
+        if done < n:
             _refused("run")
         return Path(pos, vel, acc)
 
@@ -512,13 +511,13 @@ class SmoothedMultiStageTracker(_NAxis):
         out = self._stepped(raw.QZNSyncDTS_OnDTM, A.addr(self._targets(targets)))
         return _refused("step") if out is None else out
 
-    def _run(self, t):
-        pos, vel, acc = (np.empty(t.shape) for _ in range(3))
+    def _run(self, t, n, tstep):
+        pos, vel, acc = (np.empty((n, self._n)) for _ in range(3))
         done = self._guarded(lambda: batch.qzb_run_rows_query(
-            address("QZNSyncDTS_OnDTM"), address("QZNSyncDTS_OnGetCurPVAM"), self._p, len(t),
-            self._n, t.ctypes.data, pos.ctypes.data, vel.ctypes.data, acc.ctypes.data,
+            address("QZNSyncDTS_OnDTM"), address("QZNSyncDTS_OnGetCurPVAM"), self._p, n,
+            self._n, t.ctypes.data, tstep, pos.ctypes.data, vel.ctypes.data, acc.ctypes.data,
             self._scratch.ctypes.data), pos)
-        if done < len(t):
+        if done < n:
             _refused("run")
         return Path(pos, vel, acc)
 
