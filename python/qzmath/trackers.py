@@ -348,6 +348,16 @@ class _NAxis(_Tracker):
     def _targets(self, targets):
         return A.per_axis(targets, "targets", n=self._n)
 
+    def _run(self, t, n, tstep):
+        """n cycles through the class's compiled loop (_loop), positions, velocities and
+        accelerations for every axis."""
+        out = [np.empty((n, self._n)) for _ in range(3)]
+        done = self._guarded(lambda: self._loop(n, t.ctypes.data, tstep,
+                                                *[a.ctypes.data for a in out]), out[0])
+        if done < n:
+            _refused("run")
+        return Path(*out)
+
     def _stepped(self, fn, *args):
         """One cycle of fn(record, *args, positions) under the guard; the positions."""
         if not self._guarded(lambda: fn(self._p, *args, A.addr(self._pos)), self._pos):
@@ -427,14 +437,9 @@ class SmoothedTracker(_NAxis):
         out = self._stepped(raw.QZNSyncDTS_OnDT, A.addr(self._targets(targets)))
         return _refused("step") if out is None else out
 
-    def _run(self, t, n, tstep):
-        pos, vel, acc = (np.empty((n, self._n)) for _ in range(3))
-        done = self._guarded(lambda: batch.qzb_run_rows(
-            address("QZNSyncDTS_OnDT2"), self._p, n, self._n, t.ctypes.data, tstep,
-            pos.ctypes.data, vel.ctypes.data, acc.ctypes.data), pos)
-        if done < n:
-            _refused("run")
-        return Path(pos, vel, acc)
+    def _loop(self, n, t, tstep, pos, vel, acc):
+        return batch.qzb_run_rows(address("QZNSyncDTS_OnDT2"), self._p, n, self._n, t, tstep,
+                                  pos, vel, acc)
 
     def hold(self) -> np.ndarray:
         """One control cycle towards the targets of the last step."""
@@ -511,15 +516,10 @@ class SmoothedMultiStageTracker(_NAxis):
         out = self._stepped(raw.QZNSyncDTS_OnDTM, A.addr(self._targets(targets)))
         return _refused("step") if out is None else out
 
-    def _run(self, t, n, tstep):
-        pos, vel, acc = (np.empty((n, self._n)) for _ in range(3))
-        done = self._guarded(lambda: batch.qzb_run_rows_query(
-            address("QZNSyncDTS_OnDTM"), address("QZNSyncDTS_OnGetCurPVAM"), self._p, n,
-            self._n, t.ctypes.data, tstep, pos.ctypes.data, vel.ctypes.data, acc.ctypes.data,
-            self._scratch.ctypes.data), pos)
-        if done < n:
-            _refused("run")
-        return Path(pos, vel, acc)
+    def _loop(self, n, t, tstep, pos, vel, acc):
+        return batch.qzb_run_rows_query(address("QZNSyncDTS_OnDTM"),
+                                        address("QZNSyncDTS_OnGetCurPVAM"), self._p, n, self._n,
+                                        t, tstep, pos, vel, acc, self._scratch.ctypes.data)
 
     def hold(self) -> np.ndarray:
         """One control cycle towards the stored targets. Raises StateError while a reset is
