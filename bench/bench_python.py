@@ -96,7 +96,8 @@ def c_loop(tracker, target):
 
 
 print(f"\n{N} tracker cycles, best of 9, each from a freshly made tracker\n"
-      "| class | run() ms | C loop ms | run() / C loop | step() loop ms |\n|---|---:|---:|---:|---:|")
+      "| class | run() ms | C loop ms | run() / C loop | step() loop ms |\n"
+      "|---|---:|---:|---:|---:|")
 for name, (new, target) in MAKE.items():
     trackers = [new() for _ in range(19)]
     ours = best(lambda: trackers.pop().run(target, cycles=N))
