@@ -8,9 +8,10 @@
 // Each class owns its C record: construction initialises it, step or update advances one cycle,
 // and record() shows it to the C API as it is. The classes are copyable values without heap.
 //
-// Every tracker has the same five operations, each returning what the cycle produced:
-//   step(target)            one cycle towards target: Result<position>
-//   step_to_last_target()   one cycle towards the last accepted target: Result<position>
+// Every tracker has the same operations, with the same signatures (P is double for one axis,
+// Vec<N> for N):
+//   step(target)            one cycle towards target: Result<P>, the commanded position
+//   step_to_last_target()   one cycle towards the last accepted target: Result<P>
 //   reset_to(position)      the axis stands at position, at rest, from here on: Status
 //   jump_to_next_target()   the next step outputs its target itself: Status
 //   set_limits(vel, acc)    run-time limits: Limit (per axis: LimitReport)
