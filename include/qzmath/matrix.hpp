@@ -227,9 +227,12 @@ template <std::size_t R, std::size_t C>
 [[nodiscard]] Result<Mat<R, C>> inverse(const Mat<R, C> &a) noexcept {
     static_assert(R == C && detail::Square<R>::available,
                   "qz::inverse: the library inverts square matrices of sizes 2 to 8 only");
-    if (!detail::all_finite(a)) return {Mat<R, C>{}, Status::non_finite};
+    // One result object on every path, so that it is built in place.
     Result<Mat<R, C>> r{typename Result<Mat<R, C>>::Unwritten{}};
-    if (!detail::Square<R>::inv(a.data(), r.value().data())) r.fail(Status::singular, true);
+    if (!detail::all_finite(a))
+        r.fail(Status::non_finite, true);
+    else if (!detail::Square<R>::inv(a.data(), r.value().data()))
+        r.fail(Status::singular, true);
     return r;
 }
 // Inverse of a rigid transform in closed form (rotation transposed); T's last row is not read.
@@ -252,9 +255,10 @@ template <std::size_t R, std::size_t C>
 [[nodiscard]] Result<Mat<C, R>> pinv(const Mat<R, C> &a) noexcept {
     static_assert(detail::PseudoInverse<R, C>::available,
                   "qz::pinv: the library has pseudo-inverses of 6x7 and 7x6 matrices only");
-    if (!detail::all_finite(a)) return {Mat<C, R>{}, Status::non_finite};
     Result<Mat<C, R>> r{typename Result<Mat<C, R>>::Unwritten{}};
-    if (!detail::PseudoInverse<R, C>::fn(a.data(), r.value().data()))
+    if (!detail::all_finite(a))
+        r.fail(Status::non_finite, true);
+    else if (!detail::PseudoInverse<R, C>::fn(a.data(), r.value().data()))
         r.fail(Status::singular, true);
     return r;
 }

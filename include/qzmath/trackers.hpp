@@ -8,9 +8,10 @@
 // Each class owns its C record: construction initialises it, step or update advances one cycle,
 // and record() shows it to the C API as it is. The classes are copyable values without heap.
 //
-// Every tracker has the same five operations, each returning what the cycle produced:
-//   step(target)            one cycle towards target: Result<position>
-//   step_to_last_target()   one cycle towards the last accepted target: Result<position>
+// Every tracker has the same operations, with the same signatures (P is double for one axis,
+// Vec<N> for N):
+//   step(target)            one cycle towards target: Result<P>, the commanded position
+//   step_to_last_target()   one cycle towards the last accepted target: Result<P>
 //   reset_to(position)      the axis stands at position, at rest, from here on: Status
 //   jump_to_next_target()   the next step outputs its target itself: Status
 //   set_limits(vel, acc)    run-time limits: Limit (per axis: LimitReport)
@@ -108,15 +109,19 @@ bool screen_limits(const Vec<N> *vel, Vec<N> *acc, std::array<bool, N> &clamped,
     }
     return ok;
 }
-// The targets a step may take: target, with each NaN or infinite element replaced by the last
-// accepted one. all_finite says whether any was replaced.
-template <std::size_t N>
-Vec<N> accepted_targets(const Vec<N> &target, const double *last, bool &all_finite) noexcept {
+// One step of an N-axis record through call, towards target with each NaN or infinite element
+// replaced by the record's last accepted target. A step that cannot be taken (the record not
+// initialised, or a bad element before any target was accepted) leaves the record as it is.
+template <std::size_t N, class Record, class Call>
+Status step_accepted(const Record &s, const Vec<N> &target, Call call) noexcept {
+    if (!s.isInit) return Status::not_initialised;
     Vec<N> t = target;
-    all_finite = true;
+    bool allFinite = true;
     for (std::size_t i = 0; i < N; ++i)
-        if (!std::isfinite(t[i])) t[i] = last[i], all_finite = false;
-    return t;
+        if (!std::isfinite(t[i])) t[i] = s.target[i], allFinite = false;
+    if (!allFinite && s.resetPending) return Status::non_finite;
+    call(t.data());
+    return allFinite ? Status::ok : Status::non_finite;
 }
 template <std::size_t N>
 Vec<N> first_n(const double *v) noexcept {
@@ -325,18 +330,18 @@ class SmoothedTracker {
     // One cycle towards target: the smoothed positions. The first step after construction or
     // jump_to_next_target() outputs the targets.
     [[nodiscard]] Result<Vec<N>> step(const Vec<N> &target) noexcept {
-        const Result<PVA<N>> r = step_pva(target);
-        return {r.value().pos, r.status()};
+        Vec<N> pos = detail::first_n<N>(s_.pos);
+        const Status s = detail::step_accepted(
+            s_, target, [&](const double *t) { (void)QZNSyncDTS_OnDT(&s_, t, pos.data()); });
+        return {pos, s};
     }
     // As step, with the smoothed velocities and accelerations.
     [[nodiscard]] Result<PVA<N>> step_pva(const Vec<N> &target) noexcept {
-        if (s_.isInit == 0) return {current(), Status::not_initialised};
-        bool allFinite = true;
-        const Vec<N> t = detail::accepted_targets(target, s_.target, allFinite);
-        if (!allFinite && s_.resetPending != 0) return {current(), Status::non_finite};
-        PVA<N> out{};
-        (void)QZNSyncDTS_OnDT2(&s_, t.data(), out.pos.data(), out.vel.data(), out.acc.data());
-        return {out, allFinite ? Status::ok : Status::non_finite};
+        PVA<N> out = current();
+        const Status s = detail::step_accepted(s_, target, [&](const double *t) {
+            (void)QZNSyncDTS_OnDT2(&s_, t, out.pos.data(), out.vel.data(), out.acc.data());
+        });
+        return {out, s};
     }
     // One cycle towards the last accepted targets; reset_pending (positions held) before any.
     [[nodiscard]] Result<Vec<N>> step_to_last_target() noexcept {
@@ -438,13 +443,10 @@ class SmoothedMultiStageTracker {
     [[nodiscard]] const LimitReport<N> &init_limits() const noexcept { return init_; }
     // As SmoothedTracker::step.
     [[nodiscard]] Result<Vec<N>> step(const Vec<N> &target) noexcept {
-        if (s_.isInit == 0) return {positions(), Status::not_initialised};
-        bool allFinite = true;
-        const Vec<N> t = detail::accepted_targets(target, s_.target, allFinite);
-        if (!allFinite && s_.resetPending != 0) return {positions(), Status::non_finite};
-        Vec<N> pos{};
-        (void)QZNSyncDTS_OnDTM(&s_, t.data(), pos.data());
-        return {pos, allFinite ? Status::ok : Status::non_finite};
+        Vec<N> pos = positions();
+        const Status s = detail::step_accepted(
+            s_, target, [&](const double *t) { (void)QZNSyncDTS_OnDTM(&s_, t, pos.data()); });
+        return {pos, s};
     }
     // One cycle towards the last accepted targets; reset_pending (positions held) before any.
     [[nodiscard]] Result<Vec<N>> step_to_last_target() noexcept {

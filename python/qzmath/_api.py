@@ -29,6 +29,10 @@ import glob
 import os
 
 from . import records
+
+__all__ = ["lib", "raw", "batch", "address", "prototypes", "LIBRARY_PATH", "LIBRARY_VERSION",
+           "VERSION"]
+
 from ._prototypes import PROTOTYPES
 
 _SCALARS = {
@@ -193,9 +197,61 @@ def _bind(lib, raw=False):
     return lib
 
 
+_BATCH_NAME = "libQZMathBatch.so"
+_I64, _VP = ctypes.c_int64, ctypes.c_void_p
+# The batch helper's element loops (python/qzmath/_batch.c), by the C signature they call, with
+# the number of (address, step) pairs each takes.
+_BATCH_LOOPS = {
+    "p": 1, "pp": 2, "ppp": 3, "sp": 2, "sssp": 4, "ssssp": 5, "ppsp": 4,
+}
+
+
+def _load_batch():
+    """The batch helper: the package's own copy when installed, else the one built beside the
+    library that was loaded (a build tree, or the directory QZMATH_LIB names)."""
+    tried = []
+    for d in (HERE, os.path.dirname(LIBRARY_PATH)):
+        path = os.path.join(d, _BATCH_NAME)
+        if os.path.exists(path):
+            try:
+                return ctypes.CDLL(path)
+            except OSError as e:
+                tried.append("%s (%s)" % (path, e))
+        else:
+            tried.append(path)
+    raise ImportError("qzmath's batch helper %s was not found (looked for %s); it is built with"
+                      " the library (cmake --build build --target QZMathBatch) and installed"
+                      " with the package" % (_BATCH_NAME, ", ".join(tried)))
+
+
+def _bind_batch(helper):
+    for sig, pointers in _BATCH_LOOPS.items():
+        fn = getattr(helper, "qzb_" + sig)
+        fn.restype = None
+        fn.argtypes = [_VP, ctypes.c_int, _I64] + [_VP, _I64] * pointers + [_VP]
+    fn = helper.qzb_ppspr
+    fn.restype, fn.argtypes = None, [_VP, ctypes.c_int, _I64] + [_VP, _I64] * 4 + [_VP, _VP]
+    fn = helper.qzb_quat_rotate
+    fn.restype, fn.argtypes = None, [_VP, _VP, _I64] + [_VP, _I64] * 3
+    runs = {"qzb_run_tracker": [_VP, _VP, _I64, _VP, _I64, _VP, _VP],
+            "qzb_run_tracker_m": [_VP, _VP, _I64, _VP, _I64, _VP],
+            "qzb_run_rows": [_VP, _VP, _I64, _I64, _VP, _I64] + [_VP] * 3,
+            "qzb_run_rows_query": [_VP, _VP, _VP, _I64, _I64, _VP, _I64] + [_VP] * 4}
+    for name, argtypes in runs.items():
+        fn = getattr(helper, name)
+        fn.restype, fn.argtypes = _I64, argtypes
+    return helper
+
+
+def address(name):
+    """Address of the library's function `name`, for the batch helper to call."""
+    return ctypes.cast(getattr(lib, name), _VP).value
+
+
 lib = _load()
 LIBRARY_VERSION = check_version(lib)
 LIBRARY_PATH = loaded_path(lib)
 _bind(lib)
 # The same loaded library (dlopen hands back the one mapping) with its own function objects.
 raw = _bind(ctypes.CDLL(lib._name), raw=True)
+batch = _bind_batch(_load_batch())

@@ -4,6 +4,8 @@ Written from the C headers by the build (cmake/QZPublicApi.cmake): do not edit. 
 to a declaration, `cmake --build build --target update_python_mirrors` rewrites this file.
 One function a line: name, result type, argument types (codes in qzmath/_api.py).
 """
+__all__ = ["PROTOTYPES"]
+
 PROTOTYPES = """
 # QZBaseMath
 QZ_Sqrt                      D    D

@@ -182,3 +182,4 @@ RECORDS = {cls.__name__: cls for cls in (
     QZSMVState,
     QZSlerpFactorState,
 )}
+__all__ = ["RECORDS"] + list(RECORDS)
