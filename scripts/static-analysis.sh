@@ -9,7 +9,7 @@ cd "$(dirname "$0")/.."
 . scripts/packages.sh
 bash scripts/setup-debian.sh $QZ_ANALYSIS_PACKAGES
 
-build="${QZ_ANALYSIS_BUILD_DIR:-build-analysis}"
+build=$(realpath -m "${QZ_ANALYSIS_BUILD_DIR:-build-analysis}")
 jobs="${QZ_ANALYSIS_JOBS:-2}"
 start=$(date +%s)
 cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Release -DCMAKE_EXPORT_COMPILE_COMMANDS=ON \
@@ -18,11 +18,11 @@ cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Release -DCMAKE_EXPORT_COMPILE_COMMAND
 # The C++ headers have no translation unit of their own; this one includes every one of them,
 # compiled with the library's language level and warning set.
 mkdir -p "$build/analysis/cppcheck"
-headers_tu="$PWD/$build/analysis/qzmath_headers.cpp"
+headers_tu="$build/analysis/qzmath_headers.cpp"
 for h in include/qzmath/*.hpp; do echo "#include <qzmath/$(basename "$h")>"; done > "$headers_tu"
 strict=$(sed -n '/^set(QZ_STRICT_WARNINGS/,/)/p' cmake/QZFlags.cmake | grep -o -- '-W[a-z-]*' | tr '\n' ' ')
 # shellcheck disable=SC2206
-header_flags=(-std=c++17 -Wall -Wextra $strict -I"$PWD/include" -I"$PWD/$build/include"
+header_flags=(-std=c++17 -Wall -Wextra $strict -I"$PWD/include" -I"$build/include"
   $(pkg-config --cflags-only-I eigen3 | sed 's/-I/-isystem /g'))
 sources=$(ls src/*/*.cpp)
 log="$build/analysis"
