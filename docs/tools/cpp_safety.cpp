@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "qzmath/qzmath.hpp"
-#include "show_source.h"
+#include "docs_example.h"
 
 int main() {
     ShowSource(__FILE__, "cpp", "#include <qzmath/qzmath.hpp>\n\n");
