@@ -17,6 +17,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <numeric>
 #include <type_traits>
 
 #include "QZBaseMath.h"
@@ -157,10 +158,13 @@ constexpr const char *to_string(Limit l) noexcept {
 template <class T>
 class [[nodiscard]] Result {
   public:
+    // Implicit: a wrapper returns its value, and the value is a successful result.
+    // cppcheck-suppress noExplicitConstructor
     constexpr Result(const T &value, Status status = Status::ok) noexcept
         : value_(value), status_(status) {}
     // A result whose value a C function is about to write in place (no zeroing, no copy).
     struct Unwritten {};
+    // cppcheck-suppress uninitMemberVar
     explicit Result(Unwritten) noexcept : status_(Status::ok) {}
     // Marks the call failed; zero says the C function wrote nothing, so the value becomes zeros.
     void fail(Status status, bool zero) noexcept {
@@ -188,14 +192,19 @@ template <std::size_t N>
 struct [[nodiscard]] LimitReport {
     std::array<Limit, N> axis{};
     constexpr Limit operator[](std::size_t i) const noexcept { return axis[i]; }
+    // Loops rather than std::all_of and std::any_of, which are constexpr only from C++20.
     constexpr bool all(Limit l) const noexcept {
-        for (Limit a : axis)
+        for (Limit a : axis) {
+            // cppcheck-suppress useStlAlgorithm
             if (a != l) return false;
+        }
         return true;
     }
     constexpr bool any(Limit l) const noexcept {
-        for (Limit a : axis)
+        for (Limit a : axis) {
+            // cppcheck-suppress useStlAlgorithm
             if (a == l) return true;
+        }
         return false;
     }
 };
@@ -209,9 +218,8 @@ inline bool finite(double x) noexcept { return std::isfinite(x); }
 // element, without a branch (twice as fast as a test per element).
 template <std::size_t N>
 bool finite(const std::array<double, N> &v) noexcept {
-    double sum = 0.0;
-    for (double x : v) sum += x * 0.0;
-    return sum == 0.0;
+    const auto plusZeroed = [](double sum, double x) noexcept { return sum + x * 0.0; };
+    return std::accumulate(v.begin(), v.end(), 0.0, plusZeroed) == 0.0;
 }
 template <class... T>
 bool all_finite(const T &...v) noexcept {
@@ -225,13 +233,13 @@ Status finite_status(const T &...v) noexcept {
 
 // The status of quaternions where rotations are expected: non_finite for a NaN or an infinity,
 // zero_length for a length of at most 1e-9 (no direction to turn about), else ok.
+inline bool directionless(const std::array<double, 4> &q) noexcept {
+    return q[0] * q[0] + q[1] * q[1] + q[2] * q[2] + q[3] * q[3] <= 1e-18;
+}
 template <class... Q>
 Status rotation_status(const Q &...q) noexcept {
     if (!all_finite(q...)) return Status::non_finite;
-    for (const auto &r : {static_cast<const std::array<double, 4> &>(q)...})
-        if (r[0] * r[0] + r[1] * r[1] + r[2] * r[2] + r[3] * r[3] <= 1e-18)
-            return Status::zero_length;
-    return Status::ok;
+    return (directionless(q) || ...) ? Status::zero_length : Status::ok;
 }
 
 // Signatures of the C functions that the size tables of the other headers hold.

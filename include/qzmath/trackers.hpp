@@ -27,6 +27,7 @@
 #ifndef QZMATH_TRACKERS_HPP
 #define QZMATH_TRACKERS_HPP
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -56,9 +57,7 @@ constexpr bool cycle_clamped(double cycleMs) noexcept {
 inline bool usable(double x) noexcept { return std::isfinite(x) && x > 0.0; }
 template <std::size_t N>
 bool usable(const std::array<double, N> &v) noexcept {
-    for (double x : v)
-        if (!usable(x)) return false;
-    return true;
+    return std::all_of(v.begin(), v.end(), [](double x) { return usable(x); });
 }
 // A run-time acceleration limit within the initialiser's range; clamped says it was not.
 inline double run_time_acc(double acc, bool &clamped) noexcept {
@@ -470,8 +469,8 @@ class SmoothedMultiStageTracker {
     // Current positions, velocities and accelerations; reset_pending before the first step.
     [[nodiscard]] Result<PVA<N>> pva() const noexcept {
         PVA<N> out{};
-        Vec<N> target{};
-        const bool ok = QZNSyncDTS_OnGetCurPVAM(&s_, target.data(), out.pos.data(), out.vel.data(),
+        Vec<N> targets{};
+        const bool ok = QZNSyncDTS_OnGetCurPVAM(&s_, targets.data(), out.pos.data(), out.vel.data(),
                                                 out.acc.data()) != 0;
         return {out, ok ? Status::ok : Status::reset_pending};
     }
