@@ -279,7 +279,12 @@ TEST(CppApi, StatefulClassesStepTheirRecordsAsTheCFunctionsDo) {
         Init<QZDCTRLErrorState>([](QZDCTRLErrorState *s) { QZ_DCTRL_ErrorCompare_Init(0, s); });
     auto cAvg = Init<QZAVGFState>(QZAVGF_OnInit, 3, 10, 0.004);
     auto cSmv = Init<QZSMVState>(QZSMV_OnInit, 0.0, 0.05, 0.01, 0.002);
-    const qz::Vec<7> z7{};
+    const qz::Vec<7> z7{}, g{{0.04, 0.03, 0.02, 0.01, 0.05, 0.06, 0.07}},
+        h{{0.5, 0.7, 1, 2, 3, 4, 5}};
+    ASSERT_ALL(cmp.set_gains(g, h) == qz::Status::ok, cmp.set_limits(h, g, h) == qz::Status::ok);
+    for (int j = 0; j < 7; ++j)  // the same gains and limits, field by field
+        cCmp.kInteg[j] = cCmp.errLmt[j] = g[j],
+        cCmp.kProp[j] = cCmp.outLmt[j] = cCmp.integLmt[j] = h[j];
     double a[3], d[3];
     for (int k = 0; k < 400; ++k) {
         const double goal = k < 200 ? 10.0 : -4.0;

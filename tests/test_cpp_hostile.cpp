@@ -97,6 +97,8 @@ TEST(CppHostile, UnusableLimitsCycleTimesAndSamplesAreRefusedByName) {
             qz::OneStepFitter<1>(qz::Vec<1>{{bad - 2}}).status() == S::bad_argument,  // 0 freezes
             qz::AveragingFilter<1>(10, bad).status() == S::bad_argument,
             qz::SmoothedValue(0, bad, 0.1, 0.01).status() == S::bad_argument,
+            qz::ErrorComparator().set_gains({}, {{bad - 2}}) == S::bad_argument,
+            qz::ErrorComparator().set_limits({}, {}, {{0, bad - 2}}) == S::bad_argument,
             axis.set_acceleration_limit(1e300) == L::clamped, axis.record().accLmt == 1000.0};
         // clang-format on
         for (std::size_t i = 0; i < std::size(checks); ++i)
