@@ -168,6 +168,8 @@ TEST(CppApi, OrientationsAndPosesGiveTheBitsOfTheirCFunctions) {
     EXPECT_TRUE(qztest::SameBits(qz::angle<qz::Rad>(p, q)->value,
                                  QZ_QuaternionAngleArc(p.data(), q.data())));
     EXPECT_TRUE(Same(*qz::slerp_long(p, q, 0.3), C(QZ_QuatSlerpL, p, q, 0.3)));
+    const qz::Vec3 axis{{0.2, -0.5, 0.8}};
+    EXPECT_EQ(*qz::slerp_direction(p, q, axis), QZ_QuatSlerpDir(p.data(), q.data(), axis.data()));
     auto qc = q;  // the C slerps may negate their second quaternion in place
     QZSlerpFactorState st{};
     const auto factor =

@@ -46,7 +46,8 @@ TEST(CppHostile, ConversionsAndDecompositionsNameNonFiniteAndDirectionlessInput)
             relative({}, RotVec{{bad}}).status(), rotation(EulerXYZ<Deg>{{bad}}).status(),
             rotation(EulerZYZ{{bad}}).status(), transform(PoseXYZ<Deg>{{0, 0, 0, bad}}).status(),
             to_posquat(PoseXYZ<Deg>{{bad}}).status(), normalize(v).status(), angle(v, x).status(),
-            line_cross(x, v, {}, x).status()};
+            line_cross(x, v, {}, x).status(),
+            slerp_direction(kUnit, q, x).status(), slerp_direction(kUnit, kUnit, v).status()};
         // clang-format on
         for (std::size_t i = 0; i < std::size(got); ++i)
             EXPECT_EQ(got[i], S::non_finite) << bad << " row " << i << ": " << to_string(got[i]);
@@ -58,7 +59,8 @@ TEST(CppHostile, ConversionsAndDecompositionsNameNonFiniteAndDirectionlessInput)
         rotation(zero).status(), rotation4(tiny).status(), transform(PosQuat{}).status(),
         angle<Rad>(kUnit, zero).status(), slerp(zero, kUnit, 0.5).status(),
         slerp_long(kUnit, tiny, 0.5).status(), Slerp(zero, kUnit).at(0.3).status(),
-        inverse(zero).status(), normalize(zero).status(), angle(Vec3{}, Vec3{{1, 0, 0}}).status()};
+        inverse(zero).status(), normalize(zero).status(), angle(Vec3{}, Vec3{{1, 0, 0}}).status(),
+        slerp_direction(zero, kUnit, Vec3{{0, 0, 1}}).status()};
     // clang-format on
     for (std::size_t i = 0; i < std::size(got); ++i) EXPECT_EQ(got[i], S::zero_length) << i;
     EXPECT_EQ(qz::rotation(qz::Quat{{0, 0, 1e-8, 0}}).status(), S::ok);

@@ -97,8 +97,13 @@ class Slerp {
     bool long_;
     Status status_;
 };
-// Sense (+1 or -1) in which the frame's x axis turns about axis from a to b.
-[[nodiscard]] inline int slerp_direction(const Quat &a, const Quat &b, const Vec3 &axis) noexcept {
+// Sense (+1 or -1) in which the frame's x axis turns about axis from a to b; refusals as slerp
+// (the sense 0), and non_finite for an axis with a NaN or an infinity.
+[[nodiscard]] inline Result<int> slerp_direction(const Quat &a, const Quat &b,
+                                                 const Vec3 &axis) noexcept {
+    const Status s = detail::rotation_status(a, b);
+    if (s != Status::ok || !detail::all_finite(axis))
+        return {0, s != Status::ok ? s : Status::non_finite};
     return QZ_QuatSlerpDir(a.data(), b.data(), axis.data());
 }
 
