@@ -22,7 +22,7 @@ const qz::Quat kUnit{{0, 0, 0, 1}};
 // A temporary's value is handed out by value: a reference to it cannot dangle.
 static_assert(!std::is_reference_v<decltype(qz::inverse(qz::Mat3{}).value())>);
 
-TEST(CppHostile, ConversionsAndDecompositionsNameNonFiniteAndDirectionlessInput) {
+TEST(CppHostile, ConversionsAndDecompositionsNameNonFiniteAndNonRotationInput) {
     using namespace qz;
     for (double bad : kNonFinite) {
         auto m7 = qz::identity<7>();
@@ -63,7 +63,18 @@ TEST(CppHostile, ConversionsAndDecompositionsNameNonFiniteAndDirectionlessInput)
         slerp_direction(zero, kUnit, Vec3{{0, 0, 1}}).status()};
     // clang-format on
     for (std::size_t i = 0; i < std::size(got); ++i) EXPECT_EQ(got[i], S::zero_length) << i;
-    EXPECT_EQ(qz::rotation(qz::Quat{{0, 0, 1e-8, 0}}).status(), S::ok);
+    // Beyond that a quaternion has a direction, but only near unit length is it a rotation, and
+    // only an orthonormal right-handed matrix is one.
+    // clang-format off
+    const Status rot[] = {
+        rotation(Quat{{0, 0, 1e-8, 0}}).status(), angle<Deg>(kUnit, Quat{{0, 0, 0, 2}}).status(),
+        to_quat(Mat3{}).status(), euler_xyz(Mat3{{2, 0, 0, 0, 2, 0, 0, 0, 2}}).status(),
+        to_rotvec(Mat3{{1, 0, 0, 0, 1, 0, 0, 0, -1}}).status(), pose_xyz<Rad>(Mat4{}).status(),
+        euler_zyz(Mat4{}).status()};
+    // clang-format on
+    for (std::size_t i = 0; i < std::size(rot); ++i) EXPECT_EQ(rot[i], S::not_a_rotation) << i;
+    EXPECT_ALL(rotation(Quat{{0, 0, 6e-4, 1}}).ok(),
+               to_quat(Mat3{{1, 0, 0, 0, 1, 4e-4, 0, 0, 1}}).ok());
     // The ZYZ pose of a turn about z alone keeps its unit and position on the singular branch.
     const qz::Mat4 t = *qz::transform(qz::PoseXYZ<qz::Rad>{{1, 2, 3, 0, 0, 0.5}});
     const auto deg = qz::pose_zyz<qz::Deg>(t);

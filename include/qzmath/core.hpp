@@ -123,13 +123,15 @@ enum class [[nodiscard]] Status : std::uint8_t{
     reset_pending,          // the record waits for its first step after initialisation or a jump
     bad_argument,           // an initialisation refused its parameters
     non_finite,             // an input held NaN or an infinity: refused, nothing computed from it
+    not_a_rotation,         // a rotation expected, but rows not orthonormal within 1e-3, a mirror,
+                            // or a quaternion whose length is not within 1e-3 of 1
 };
 
 constexpr const char *to_string(Status s) noexcept {
-    constexpr const char *names[] = {"ok",           "singular",        "not positive definite",
-                                     "ZYZ singular", "zero length",     "parallel",
-                                     "failed",       "not initialised", "reset pending",
-                                     "bad argument", "non-finite input"};
+    constexpr const char *names[] = {"ok",           "singular",         "not positive definite",
+                                     "ZYZ singular", "zero length",      "parallel",
+                                     "failed",       "not initialised",  "reset pending",
+                                     "bad argument", "non-finite input", "not a rotation"};
     return names[static_cast<std::size_t>(s)];
 }
 
@@ -232,14 +234,42 @@ Status finite_status(const T &...v) noexcept {
 }
 
 // The status of quaternions where rotations are expected: non_finite for a NaN or an infinity,
-// zero_length for a length of at most 1e-9 (no direction to turn about), else ok.
-inline bool directionless(const std::array<double, 4> &q) noexcept {
-    return q[0] * q[0] + q[1] * q[1] + q[2] * q[2] + q[3] * q[3] <= 1e-18;
+// zero_length for a length of at most 1e-9 (no direction to turn about), not_a_rotation for a
+// length not within 1e-3 of 1 (the C functions take them as unit length), else ok.
+inline Status rotation_status(const std::array<double, 4> &q) noexcept {
+    if (!finite(q)) return Status::non_finite;
+    const double n2 = q[0] * q[0] + q[1] * q[1] + q[2] * q[2] + q[3] * q[3];
+    if (n2 <= 1e-18) return Status::zero_length;
+    return n2 >= 0.998 && n2 <= 1.002 ? Status::ok : Status::not_a_rotation;
 }
-template <class... Q>
-Status rotation_status(const Q &...q) noexcept {
-    if (!all_finite(q...)) return Status::non_finite;
-    return (directionless(q) || ...) ? Status::zero_length : Status::ok;
+inline Status rotation_status(const std::array<double, 4> &a,
+                              const std::array<double, 4> &b) noexcept {
+    const Status s = rotation_status(a);
+    return s != Status::ok ? s : rotation_status(b);
+}
+// The status of a rotation matrix, or of a transform's rotation block (row stride S): non_finite
+// for a NaN or an infinity, not_a_rotation unless its rows are orthonormal within 1e-3 and form a
+// right-handed frame, else ok. Zeros, a scaled matrix or a mirror would otherwise come out of a
+// conversion as a plausible orientation.
+template <std::size_t S>
+Status rotation_matrix_status(const double *m) noexcept {
+    std::array<double, 9> r{};
+    for (std::size_t i = 0; i < 3; ++i)
+        for (std::size_t j = 0; j < 3; ++j) r[3 * i + j] = m[S * i + j];
+    if (!finite(r)) return Status::non_finite;
+    const auto rowDot = [&r](std::size_t i, std::size_t j) {
+        return r[3 * i] * r[3 * j] + r[3 * i + 1] * r[3 * j + 1] + r[3 * i + 2] * r[3 * j + 2];
+    };
+    double worst = 0.0;
+    for (std::size_t i = 0; i < 3; ++i)
+        for (std::size_t j = i; j < 3; ++j) {
+            const double e = rowDot(i, j) - (i == j ? 1.0 : 0.0);
+            worst = e > worst ? e : -e > worst ? -e : worst;
+        }
+    const double handedness = r[0] * (r[4] * r[8] - r[5] * r[7]) -
+                              r[1] * (r[3] * r[8] - r[5] * r[6]) +
+                              r[2] * (r[3] * r[7] - r[4] * r[6]);
+    return worst <= 1e-3 && handedness > 0.0 ? Status::ok : Status::not_a_rotation;
 }
 
 // Signatures of the C functions that the size tables of the other headers hold.

@@ -47,7 +47,7 @@ namespace qz {
     return QZ_QuaternionSqrtNorm(q.data());
 }
 // Angle of the shorter rotation between two unit quaternions, in the unit U (never quite 0);
-// zero_length or non_finite, angle 0, when either is no rotation.
+// zero_length, not_a_rotation or non_finite, angle 0, when either is no rotation.
 template <class U>
 [[nodiscard]] Result<U> angle(const Quat &a, const Quat &b) noexcept {
     static_assert(detail::is_unit<U>, "qz::angle<U>: the unit is qz::Rad or qz::Deg");
@@ -58,7 +58,7 @@ template <class U>
         return Rad{QZ_QuaternionAngleArc(a.data(), b.data())};
 }
 // Spherical interpolation along the shorter way; t = 0 gives a, t = 1 gives b (or -b). Either
-// quaternion no rotation, or t not finite: zero_length or non_finite, zeros.
+// quaternion no rotation, or t not finite: zero_length, not_a_rotation or non_finite, zeros.
 [[nodiscard]] inline Result<Quat> slerp(const Quat &a, Quat b, double t) noexcept {
     if (const Status s = detail::rotation_status(a, b); s != Status::ok) return {Quat{}, s};
     if (!std::isfinite(t)) return {Quat{}, Status::non_finite};
