@@ -75,6 +75,11 @@ TEST(CppHostile, ConversionsAndDecompositionsNameNonFiniteAndNonRotationInput) {
     for (std::size_t i = 0; i < std::size(rot); ++i) EXPECT_EQ(rot[i], S::not_a_rotation) << i;
     EXPECT_ALL(rotation(Quat{{0, 0, 6e-4, 1}}).ok(),
                to_quat(Mat3{{1, 0, 0, 0, 1, 4e-4, 0, 0, 1}}).ok());
+    // Huge but finite: the direction is still there, though the squared length overflows.
+    const double h = 1e300, r2 = 0.7071067811865476;
+    EXPECT_ALL(std::abs(normalize(Vec3{{h, h, 0}})->at(1) - r2) < 1e-15,
+               std::abs(inverse(Quat{{0, 0, h, h}})->at(3) - r2) < 1e-15,
+               std::abs(angle(Vec3{{h, 0, 0}}, Vec3{{h, h, 0}})->value - 45) < 1e-12);
     // The ZYZ pose of a turn about z alone keeps its unit and position on the singular branch.
     const qz::Mat4 t = *qz::transform(qz::PoseXYZ<qz::Rad>{{1, 2, 3, 0, 0, 0.5}});
     const auto deg = qz::pose_zyz<qz::Deg>(t);

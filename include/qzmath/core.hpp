@@ -13,6 +13,7 @@
 #ifndef QZMATH_CORE_HPP
 #define QZMATH_CORE_HPP
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -226,6 +227,16 @@ bool finite(const std::array<double, N> &v) noexcept {
 template <class... T>
 bool all_finite(const T &...v) noexcept {
     return (finite(v) && ...);
+}
+// v, or v scaled by 2^-600 (exactly, a power of two) when its squared length would overflow: the
+// direction is the same and the length now fits, so that a function of the direction alone
+// (normalising, a unit inverse, an angle) gives it instead of zeros or NaN.
+template <class T>
+T length_in_range(T v) noexcept {
+    const auto plusSquare = [](double sum, double x) noexcept { return sum + x * x; };
+    if (std::accumulate(v.begin(), v.end(), 0.0, plusSquare) <= 1.7976931348623157e308) return v;
+    std::transform(v.begin(), v.end(), v.begin(), [](double x) noexcept { return x * 0x1p-600; });
+    return v;
 }
 // The status of an input that must be finite: ok or non_finite.
 template <class... T>

@@ -26,19 +26,20 @@ namespace qz {
     QZ_QuaternionConjugate(q.data(), out.data());
     return out;
 }
-// Unit inverse rotation, conjugate / |q|; zero_length, zeros, when |q| <= 1e-9; non_finite, zeros,
-// for a NaN or an infinity.
+// Unit inverse rotation, conjugate / |q|, also where |q|^2 would overflow; zero_length, zeros, when
+// |q| <= 1e-9; non_finite, zeros, for a NaN or an infinity.
 [[nodiscard]] inline Result<Quat> inverse(const Quat &q) noexcept {
     if (!detail::all_finite(q)) return {Quat{}, Status::non_finite};
+    const Quat in = detail::length_in_range(q);
     Result<Quat> r{Result<Quat>::Unwritten{}};
-    if (!QZ_QuaternionInverse(q.data(), r.value().data())) r.fail(Status::zero_length, true);
+    if (!QZ_QuaternionInverse(in.data(), r.value().data())) r.fail(Status::zero_length, true);
     return r;
 }
-// q / |q|; zero_length, q unchanged, when |q| <= 1e-16; non_finite, q unchanged, for a NaN or an
-// infinity.
+// q / |q|, also where |q|^2 would overflow; zero_length, q unchanged, when |q| <= 1e-16;
+// non_finite, q unchanged, for a NaN or an infinity.
 [[nodiscard]] inline Result<Quat> normalize(const Quat &q) noexcept {
     if (!detail::all_finite(q)) return {q, Status::non_finite};
-    Result<Quat> r{q};
+    Result<Quat> r{detail::length_in_range(q)};
     if (!QZ_QuaternionNorm(r.value().data())) r.fail(Status::zero_length, false);
     return r;
 }
