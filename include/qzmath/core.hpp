@@ -161,13 +161,12 @@ constexpr const char *to_string(Limit l) noexcept {
 template <class T>
 class [[nodiscard]] Result {
   public:
-    // Implicit: a wrapper returns its value, and the value is a successful result.
-    // cppcheck-suppress noExplicitConstructor
+    // cppcheck-suppress noExplicitConstructor ; implicit: a wrapper returns its value as it is
     constexpr Result(const T &value, Status status = Status::ok) noexcept
         : value_(value), status_(status) {}
     // A result whose value a C function is about to write in place (no zeroing, no copy).
     struct Unwritten {};
-    // cppcheck-suppress uninitMemberVar
+    // cppcheck-suppress uninitMemberVar ; the C function's output, written before it is read
     explicit Result(Unwritten) noexcept : status_(Status::ok) {}
     // Marks the call failed; zero says the C function wrote nothing, so the value becomes zeros.
     void fail(Status status, bool zero) noexcept {
@@ -198,14 +197,14 @@ struct [[nodiscard]] LimitReport {
     // Loops rather than std::all_of and std::any_of, which are constexpr only from C++20.
     constexpr bool all(Limit l) const noexcept {
         for (Limit a : axis) {
-            // cppcheck-suppress useStlAlgorithm
+            // cppcheck-suppress useStlAlgorithm ; constexpr in C++17
             if (a != l) return false;
         }
         return true;
     }
     constexpr bool any(Limit l) const noexcept {
         for (Limit a : axis) {
-            // cppcheck-suppress useStlAlgorithm
+            // cppcheck-suppress useStlAlgorithm ; constexpr in C++17
             if (a == l) return true;
         }
         return false;
@@ -289,6 +288,7 @@ using Binary = void (*)(const double *, const double *, double *);
 using Scaled = void (*)(const double *, double, const double *, double *);
 using Flag8 = std::uint8_t (*)(const double *, double *);
 using Norm = std::int32_t (*)(double *);
+using Fill = void (*)(double *);
 }  // namespace detail
 
 // ---- Scalars with units --------------------------------------------------------------------------

@@ -28,18 +28,18 @@ struct Square {
     static constexpr Binary mult = nullptr;
     static constexpr Binary add = nullptr;
     static constexpr Unary transpose = nullptr;
-    static constexpr void (*identity)(double *) = nullptr;
+    static constexpr Fill identity = nullptr;
     static constexpr Flag8 inv = nullptr;
 };
-#define QZ_CPP_SQUARE_SIZE(N)                                                \
-    template <>                                                              \
-    struct Square<N> {                                                       \
-        static constexpr bool available = true;                              \
-        static constexpr Binary mult = &QZ_MatrixMult##N;                    \
-        static constexpr Binary add = &QZ_MatrixAdd##N;                      \
-        static constexpr Unary transpose = &QZ_MatrixTranspose##N;           \
-        static constexpr void (*identity)(double *) = &QZ_MatrixIdentity##N; \
-        static constexpr Flag8 inv = &QZ_MatrixInv##N;                       \
+#define QZ_CPP_SQUARE_SIZE(N)                                      \
+    template <>                                                    \
+    struct Square<N> {                                             \
+        static constexpr bool available = true;                    \
+        static constexpr Binary mult = &QZ_MatrixMult##N;          \
+        static constexpr Binary add = &QZ_MatrixAdd##N;            \
+        static constexpr Unary transpose = &QZ_MatrixTranspose##N; \
+        static constexpr Fill identity = &QZ_MatrixIdentity##N;    \
+        static constexpr Flag8 inv = &QZ_MatrixInv##N;             \
     };
 QZ_CPP_SQUARE_SIZE(2)
 QZ_CPP_SQUARE_SIZE(3)
@@ -76,7 +76,7 @@ struct MatVec {
     template <>                                 \
     struct MatVec<R, C> {                       \
         static constexpr bool available = true; \
-        static constexpr Binary fn = &F;        \
+        static constexpr Binary fn = &(F);      \
     };
 QZ_CPP_MATVEC(3, 3, QZ_MatrixMultVect3)
 QZ_CPP_MATVEC(4, 4, QZ_MatrixMultVect4)

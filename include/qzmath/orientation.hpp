@@ -103,14 +103,14 @@ template <class U>
     if (const Status s = detail::rotation_matrix_status<3>(r.data()); s != Status::ok)
         return {EulerZYZ{}, s};
     Result<EulerZYZ> abc{Result<EulerZYZ>::Unwritten{}};
-    if (!QZ_Matrix2ZYZ(r.data(), abc.value().data())) abc.fail(Status::zyz_singular, false);
+    if (QZ_Matrix2ZYZ(r.data(), abc.value().data()) == 0) abc.fail(Status::zyz_singular, false);
     return abc;
 }
 [[nodiscard]] inline Result<EulerZYZ> euler_zyz(const Mat4 &t) noexcept {
     if (const Status s = detail::rotation_matrix_status<4>(t.data()); s != Status::ok)
         return {EulerZYZ{}, s};
     Result<EulerZYZ> abc{Result<EulerZYZ>::Unwritten{}};
-    if (!QZ_Matrix42ZYZ(t.data(), abc.value().data())) abc.fail(Status::zyz_singular, false);
+    if (QZ_Matrix42ZYZ(t.data(), abc.value().data()) == 0) abc.fail(Status::zyz_singular, false);
     return abc;
 }
 // Rotation vector of a rotation matrix, angle in [0, pi].

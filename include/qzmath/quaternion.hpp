@@ -32,7 +32,7 @@ namespace qz {
     if (!detail::all_finite(q)) return {Quat{}, Status::non_finite};
     const Quat in = detail::length_in_range(q);
     Result<Quat> r{Result<Quat>::Unwritten{}};
-    if (!QZ_QuaternionInverse(in.data(), r.value().data())) r.fail(Status::zero_length, true);
+    if (QZ_QuaternionInverse(in.data(), r.value().data()) == 0) r.fail(Status::zero_length, true);
     return r;
 }
 // q / |q|, also where |q|^2 would overflow; zero_length, q unchanged, when |q| <= 1e-16;
@@ -40,7 +40,7 @@ namespace qz {
 [[nodiscard]] inline Result<Quat> normalize(const Quat &q) noexcept {
     if (!detail::all_finite(q)) return {q, Status::non_finite};
     Result<Quat> r{detail::length_in_range(q)};
-    if (!QZ_QuaternionNorm(r.value().data())) r.fail(Status::zero_length, false);
+    if (QZ_QuaternionNorm(r.value().data()) == 0) r.fail(Status::zero_length, false);
     return r;
 }
 // Euclidean length.

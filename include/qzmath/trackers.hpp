@@ -86,13 +86,13 @@ inline LimitFields limit_fields(const QZVDTState &s) noexcept {
 // request had to be brought into range first.
 inline Limit limit_outcome(const LimitFields &before, const QZVDTState &after,
                            bool clamped = false) noexcept {
-    if (!before.isInit) return Limit::refused;
+    if (before.isInit == 0) return Limit::refused;
     if (clamped) return Limit::clamped;
     const LimitFields now = limit_fields(after);
     if (now.acc == before.acc && now.vel == before.vel && now.target == before.target &&
         now.pending == before.pending)
         return Limit::ignored;
-    return after.velLmtPending ? Limit::ramping : Limit::applied;
+    return after.velLmtPending != 0 ? Limit::ramping : Limit::applied;
 }
 // Screens an N-axis run-time request: every value usable, accelerations clamped into range.
 // With any axis unusable nothing is changed: those axes report invalid and the others ignored.
@@ -142,14 +142,14 @@ class Tracker {
     }
     // bad_argument when the constructor refused its cycle time or limits.
     [[nodiscard]] Status status() const noexcept {
-        return s_.isInit ? Status::ok : Status::bad_argument;
+        return s_.isInit != 0 ? Status::ok : Status::bad_argument;
     }
     // invalid, clamped (cycle time or limits brought into range) or applied.
     [[nodiscard]] Limit init_limits() const noexcept { return init_; }
     // One cycle towards target: the new commanded position. The first step after construction or
     // jump_to_next_target() outputs the target itself.
     [[nodiscard]] Result<double> step(double target) noexcept {
-        if (!s_.isInit) return {s_.pos, Status::not_initialised};
+        if (s_.isInit == 0) return {s_.pos, Status::not_initialised};
         if (std::isfinite(target)) {
             target_ = target;
             return advance();
@@ -159,13 +159,13 @@ class Tracker {
     }
     // One cycle towards the last accepted target; reset_pending (position held) before there is one.
     [[nodiscard]] Result<double> step_to_last_target() noexcept {
-        if (!s_.isInit) return {s_.pos, Status::not_initialised};
-        if (s_.resetPending) return {s_.pos, Status::reset_pending};
+        if (s_.isInit == 0) return {s_.pos, Status::not_initialised};
+        if (s_.resetPending != 0) return {s_.pos, Status::reset_pending};
         return advance();
     }
     // The axis stands at position, at rest; the next step moves from there.
     [[nodiscard]] Status reset_to(double position) noexcept {
-        if (!s_.isInit) return Status::not_initialised;
+        if (s_.isInit == 0) return Status::not_initialised;
         if (!std::isfinite(position)) return Status::non_finite;
         (void)QZVDT_OnEmpty(&s_);
         target_ = position;
@@ -174,10 +174,10 @@ class Tracker {
     }
     // The next step outputs its target itself, at rest (after the axis was moved by other means).
     [[nodiscard]] Status jump_to_next_target() noexcept {
-        return QZVDT_OnEmpty(&s_) ? Status::ok : Status::not_initialised;
+        return QZVDT_OnEmpty(&s_) != 0 ? Status::ok : Status::not_initialised;
     }
     [[nodiscard]] Limit set_limits(double velLmt, double accLmt) noexcept {
-        if (!s_.isInit) return Limit::refused;
+        if (s_.isInit == 0) return Limit::refused;
         if (!detail::usable(velLmt) || !detail::usable(accLmt)) return Limit::invalid;
         bool clamped = false;
         const double acc = detail::run_time_acc(accLmt, clamped);
@@ -186,14 +186,14 @@ class Tracker {
         return detail::limit_outcome(before, s_, clamped);
     }
     [[nodiscard]] Limit set_velocity_limit(double velLmt) noexcept {
-        if (!s_.isInit) return Limit::refused;
+        if (s_.isInit == 0) return Limit::refused;
         if (!detail::usable(velLmt)) return Limit::invalid;
         const auto before = detail::limit_fields(s_);
         (void)QZVDT_OnSetRunTimeVel(&s_, velLmt);
         return detail::limit_outcome(before, s_);
     }
     [[nodiscard]] Limit set_acceleration_limit(double accLmt) noexcept {
-        if (!s_.isInit) return Limit::refused;
+        if (s_.isInit == 0) return Limit::refused;
         if (!detail::usable(accLmt)) return Limit::invalid;
         bool clamped = false;
         const double acc = detail::run_time_acc(accLmt, clamped);
@@ -232,12 +232,12 @@ class MultiStageTracker {
         s_.mode = mode;  // the initialiser leaves the mode to the caller
     }
     [[nodiscard]] Status status() const noexcept {
-        return s_.stage[0].isInit ? Status::ok : Status::bad_argument;
+        return s_.stage[0].isInit != 0 ? Status::ok : Status::bad_argument;
     }
     [[nodiscard]] Limit init_limits() const noexcept { return init_; }
     // As Tracker::step, the commanded position being the sum of the four stages.
     [[nodiscard]] Result<double> step(double target) noexcept {
-        if (!s_.stage[0].isInit) return {position(), Status::not_initialised};
+        if (s_.stage[0].isInit == 0) return {position(), Status::not_initialised};
         if (std::isfinite(target)) {
             target_ = target;
             return advance();
@@ -246,12 +246,12 @@ class MultiStageTracker {
         return {r.value(), Status::non_finite};
     }
     [[nodiscard]] Result<double> step_to_last_target() noexcept {
-        if (!s_.stage[0].isInit) return {position(), Status::not_initialised};
-        if (s_.stage[0].resetPending) return {position(), Status::reset_pending};
+        if (s_.stage[0].isInit == 0) return {position(), Status::not_initialised};
+        if (s_.stage[0].resetPending != 0) return {position(), Status::reset_pending};
         return advance();
     }
     [[nodiscard]] Status reset_to(double position) noexcept {
-        if (!s_.stage[0].isInit) return Status::not_initialised;
+        if (s_.stage[0].isInit == 0) return Status::not_initialised;
         if (!std::isfinite(position)) return Status::non_finite;
         (void)QZVDT_OnEmptyM(&s_);
         target_ = position;
@@ -259,13 +259,13 @@ class MultiStageTracker {
         return Status::ok;
     }
     [[nodiscard]] Status jump_to_next_target() noexcept {
-        if (!s_.stage[0].isInit) return Status::not_initialised;
+        if (s_.stage[0].isInit == 0) return Status::not_initialised;
         (void)QZVDT_OnEmptyM(&s_);
         return Status::ok;
     }
     // Reports what became of the main stage's request; an unusable value changes nothing.
     [[nodiscard]] Limit set_limits(double velLmt, double accLmt) noexcept {
-        if (!s_.stage[0].isInit) return Limit::refused;
+        if (s_.stage[0].isInit == 0) return Limit::refused;
         if (!detail::usable(velLmt) || !detail::usable(accLmt)) return Limit::invalid;
         bool clamped = false;
         const double acc = detail::run_time_acc(accLmt, clamped);
@@ -324,7 +324,7 @@ class SmoothedTracker {
     // bad_argument when a cycle time or limit was unusable or a jerk limit lay outside [1, 1e12]:
     // the record is then left uninitialised.
     [[nodiscard]] Status status() const noexcept {
-        return s_.isInit ? Status::ok : Status::bad_argument;
+        return s_.isInit != 0 ? Status::ok : Status::bad_argument;
     }
     [[nodiscard]] const LimitReport<N> &init_limits() const noexcept { return init_; }
     // One cycle towards target: the smoothed positions. The first step after construction or
@@ -345,15 +345,15 @@ class SmoothedTracker {
     }
     // One cycle towards the last accepted targets; reset_pending (positions held) before any.
     [[nodiscard]] Result<Vec<N>> step_to_last_target() noexcept {
-        if (!s_.isInit) return {current().pos, Status::not_initialised};
-        if (s_.resetPending) return {current().pos, Status::reset_pending};
+        if (s_.isInit == 0) return {current().pos, Status::not_initialised};
+        if (s_.resetPending != 0) return {current().pos, Status::reset_pending};
         Vec<N> pos{};
         (void)QZNSyncDTS_OnDT_NoChange(&s_, pos.data());
         return pos;
     }
     // Every axis stands at its position, at rest; the next step moves from there.
     [[nodiscard]] Status reset_to(const Vec<N> &position) noexcept {
-        if (!s_.isInit) return Status::not_initialised;
+        if (s_.isInit == 0) return Status::not_initialised;
         if (!detail::all_finite(position)) return Status::non_finite;
         (void)QZNSyncDTS_OnEmpty(&s_);
         Vec<N> pos{};
@@ -362,7 +362,7 @@ class SmoothedTracker {
     }
     // The next step outputs its targets themselves, at rest.
     [[nodiscard]] Status jump_to_next_target() noexcept {
-        return QZNSyncDTS_OnEmpty(&s_) ? Status::ok : Status::not_initialised;
+        return QZNSyncDTS_OnEmpty(&s_) != 0 ? Status::ok : Status::not_initialised;
     }
     [[nodiscard]] LimitReport<N> set_limits(const Vec<N> &velLmt, const Vec<N> &accLmt) noexcept {
         Vec<N> acc = accLmt;
@@ -438,7 +438,7 @@ class SmoothedMultiStageTracker {
         }
     }
     [[nodiscard]] Status status() const noexcept {
-        return s_.isInit ? Status::ok : Status::bad_argument;
+        return s_.isInit != 0 ? Status::ok : Status::bad_argument;
     }
     [[nodiscard]] const LimitReport<N> &init_limits() const noexcept { return init_; }
     // As SmoothedTracker::step.
@@ -450,13 +450,13 @@ class SmoothedMultiStageTracker {
     }
     // One cycle towards the last accepted targets; reset_pending (positions held) before any.
     [[nodiscard]] Result<Vec<N>> step_to_last_target() noexcept {
-        if (!s_.isInit) return {positions(), Status::not_initialised};
+        if (s_.isInit == 0) return {positions(), Status::not_initialised};
         Vec<N> pos = positions();
         const bool ok = QZNSyncDTS_OnDT_UM(&s_, pos.data()) != 0;
         return {pos, ok ? Status::ok : Status::reset_pending};
     }
     [[nodiscard]] Status reset_to(const Vec<N> &position) noexcept {
-        if (!s_.isInit) return Status::not_initialised;
+        if (s_.isInit == 0) return Status::not_initialised;
         if (!detail::all_finite(position)) return Status::non_finite;
         (void)QZNSyncDTS_OnEmptyM(&s_);
         Vec<N> pos{};
@@ -464,7 +464,7 @@ class SmoothedMultiStageTracker {
         return Status::ok;
     }
     [[nodiscard]] Status jump_to_next_target() noexcept {
-        return QZNSyncDTS_OnEmptyM(&s_) ? Status::ok : Status::not_initialised;
+        return QZNSyncDTS_OnEmptyM(&s_) != 0 ? Status::ok : Status::not_initialised;
     }
     // Current positions, velocities and accelerations; reset_pending before the first step.
     [[nodiscard]] Result<PVA<N>> pva() const noexcept {
@@ -477,7 +477,7 @@ class SmoothedMultiStageTracker {
     // Reports what became of each axis's main-stage request.
     [[nodiscard]] LimitReport<N> set_limits(const Vec<N> &velLmt, const Vec<N> &accLmt) noexcept {
         LimitReport<N> r{};
-        if (!s_.isInit) {
+        if (s_.isInit == 0) {
             r.axis.fill(Limit::refused);
             return r;
         }
@@ -523,7 +523,7 @@ class Estimator {
         if (!ok_) return {held(), Status::not_initialised};
         if (detail::all_finite(x, r)) return step_with(stamp, x, r, Status::ok);
         // The last stamp again: no sample is read (none before the first).
-        if (s_.resetPending) return {held(), Status::non_finite};
+        if (s_.resetPending != 0) return {held(), Status::non_finite};
         return step_with(s_.lastStamp, detail::first_n<N>(s_.lastSample), Vec<N>{},
                          Status::non_finite);
     }
