@@ -1,0 +1,199 @@
+// Damped least squares with an estimate of the smallest singular value.
+//
+// Method: the Jacobian and the twist are made unitless (linear rows divided by the chain's length
+// scale), and the Gram matrix G of the short side is formed: Jn Jn^T (6 x 6) for six joints or
+// more, Jn^T Jn (n x n) for fewer. Its Cholesky factor L gives both the estimate and the solve.
+//
+// The estimate: the smallest eigenvalue of G is sigma^2, the largest of G^-1 is 1 / sigma^2.
+// A start vector that G^-1 magnifies strongly is built the way condition estimators build one
+// (solving L y = e with each e_k = +-1 chosen to make y_k larger, then L^T x = y), and two steps
+// of inverse iteration refine it; the Rayleigh quotient mu = x^T G^-1 x of the unit x is then
+// within a small factor of 1 / sigma^2, and converges fastest exactly where it matters, when
+// sigma is far below the next singular value. sigma is reported as 1 / sqrt(mu), which never
+// lies below the true value. A pivot of the factorisation at or below kPivotFloor times the
+// largest diagonal element of G means a rank lost to rounding: sigma is then 0.
+//
+// The damping: lambda^2 = (1 - (sigma / eps)^2) lambdaMax^2 below the threshold eps, 0 above it,
+// so the solution is the plain least-squares one away from singularities and is damped
+// continuously as sigma falls. When lambda is not 0, G + lambda^2 I is factorised again.
+#include "QZKinematics.h"
+
+#include "QZBaseMath/scalar_inline.h"
+#include "QZKinematics/kinematics.h"
+
+namespace qz::detail {
+namespace {
+
+constexpr double kPivotFloor = 1e-15;
+constexpr int kRefineSteps = 2;  // inverse-iteration steps after the start vector
+
+// Cholesky factor of the K x K symmetric g (lower triangle read) into l; false when a pivot is
+// at or below floor.
+template <int K>
+bool Factor(const double (&g)[K][K], double floor, double (&l)[K][K]) {
+    for (int i = 0; i < K; ++i) {
+        for (int k = 0; k <= i; ++k) {
+            double s = g[i][k];
+            for (int m = 0; m < k; ++m) s = s - l[i][m] * l[k][m];
+            if (k < i) {
+                l[i][k] = s / l[k][k];
+            } else {
+                if (!(s > floor)) return false;
+                l[i][i] = Sqrt(s);
+            }
+        }
+    }
+    return true;
+}
+
+template <int K>
+void SolveLower(const double (&l)[K][K], double *x) {
+    for (int i = 0; i < K; ++i) {
+        double s = x[i];
+        for (int m = 0; m < i; ++m) s = s - l[i][m] * x[m];
+        x[i] = s / l[i][i];
+    }
+}
+
+template <int K>
+void SolveUpper(const double (&l)[K][K], double *x) {
+    for (int i = K - 1; i >= 0; --i) {
+        double s = x[i];
+        for (int m = i + 1; m < K; ++m) s = s - l[m][i] * x[m];
+        x[i] = s / l[i][i];
+    }
+}
+
+template <int K>
+double Norm(const double *x) {
+    double s = 0.0;
+    for (int i = 0; i < K; ++i) s = s + x[i] * x[i];
+    return Sqrt(s);
+}
+
+// Estimated smallest singular value of Jn from the Cholesky factor of its Gram matrix.
+template <int K>
+double SmallestSingular(const double (&l)[K][K]) {
+    // Start vector: y_k grows as fast as the choice of e_k = +-1 allows.
+    double x[K];
+    for (int i = 0; i < K; ++i) {
+        double s = 0.0;
+        for (int m = 0; m < i; ++m) s = s + l[i][m] * x[m];
+        const double up = (1.0 - s) / l[i][i], down = (-1.0 - s) / l[i][i];
+        x[i] = Fabs(up) >= Fabs(down) ? up : down;
+    }
+    SolveUpper<K>(l, x);
+    double mu = 0.0;
+    for (int step = 0; step < kRefineSteps; ++step) {
+        const double n = Norm<K>(x);
+        double y[K];
+        for (int i = 0; i < K; ++i) {
+            x[i] = x[i] / n;
+            y[i] = x[i];
+        }
+        SolveLower<K>(l, y);
+        SolveUpper<K>(l, y);
+        mu = 0.0;
+        for (int i = 0; i < K; ++i) mu = mu + x[i] * y[i];
+        for (int i = 0; i < K; ++i) x[i] = y[i];
+    }
+    return 1.0 / Sqrt(mu);
+}
+
+template <int N>
+std::int32_t Dls(const QZKinChain &c, const double *j, const double *v, double *qdot,
+                 double *report) {
+    constexpr int K = N < 6 ? N : 6;
+    const double inv = 1.0 / c.lengthScale;
+    double jn[6][N], vn[6];
+    for (int r = 0; r < 6; ++r) {
+        const double s = r < 3 ? inv : 1.0;
+        for (int i = 0; i < N; ++i) jn[r][i] = j[r * N + i] * s;
+        vn[r] = v[r] * s;
+    }
+    // Gram matrix (lower triangle, mirrored) and the right-hand side.
+    double g[K][K], rhs[K];
+    double top = 0.0;
+    for (int a = 0; a < K; ++a) {
+        for (int b = 0; b <= a; ++b) {
+            double s = 0.0;
+            if constexpr (N >= 6) {
+                for (int i = 0; i < N; ++i) s = s + jn[a][i] * jn[b][i];
+            } else {
+                for (int r = 0; r < 6; ++r) s = s + jn[r][a] * jn[r][b];
+            }
+            g[a][b] = s;
+            g[b][a] = s;
+        }
+        top = Max(top, g[a][a]);
+        if constexpr (N >= 6) {
+            rhs[a] = vn[a];
+        } else {
+            double s = 0.0;
+            for (int r = 0; r < 6; ++r) s = s + jn[r][a] * vn[r];
+            rhs[a] = s;
+        }
+    }
+    const double floor = kPivotFloor * top;
+    double l[K][K] = {};
+    const double sigma = Factor<K>(g, floor, l) ? SmallestSingular<K>(l) : 0.0;
+    const double eps = c.sigmaThreshold;
+    double lambda = 0.0;
+    if (sigma < eps) {
+        const double ratio = sigma / eps;
+        lambda = Sqrt(1.0 - ratio * ratio) * c.lambdaMax;
+        const double l2 = lambda * lambda;
+        double gd[K][K];
+        for (int a = 0; a < K; ++a)
+            for (int b = 0; b < K; ++b) gd[a][b] = a == b ? g[a][b] + l2 : g[a][b];
+        if (!Factor<K>(gd, floor, l)) return QZ_KIN_ERR_SINGULAR;
+    }
+    SolveLower<K>(l, rhs);
+    SolveUpper<K>(l, rhs);
+    if constexpr (N >= 6) {
+        for (int i = 0; i < N; ++i) {
+            double s = 0.0;
+            for (int r = 0; r < 6; ++r) s = s + jn[r][i] * rhs[r];
+            qdot[i] = s;
+        }
+    } else {
+        for (int i = 0; i < N; ++i) qdot[i] = rhs[i];
+    }
+    if (report) {
+        report[0] = sigma;
+        report[1] = lambda;
+    }
+    return QZ_KIN_OK;
+}
+
+}  // namespace
+
+std::int32_t DampedLeastSquares(const QZKinChain &c, const double *j, const double *v, double *qdot,
+                                double *report) {
+    switch (c.jointNum) {
+        case 1: return Dls<1>(c, j, v, qdot, report);
+        case 2: return Dls<2>(c, j, v, qdot, report);
+        case 3: return Dls<3>(c, j, v, qdot, report);
+        case 4: return Dls<4>(c, j, v, qdot, report);
+        case 5: return Dls<5>(c, j, v, qdot, report);
+        case 6: return Dls<6>(c, j, v, qdot, report);
+        case 7: return Dls<7>(c, j, v, qdot, report);
+        default: return Dls<8>(c, j, v, qdot, report);
+    }
+}
+
+}  // namespace qz::detail
+
+extern "C" {
+
+QZ_API int32_t QZKin_DampedLeastSquares(const QZKinChain *c, const double *j, const double *v,
+                                        double *qdot, double *report) {
+    using namespace qz::detail;
+    if (!ChainReady(c)) return QZ_KIN_ERR_COUNT;
+    // Entries beyond the length bound would overflow the Gram matrix's products.
+    if (!AllWithin(j, 6 * c->jointNum, kKinMaxLength) || !AllWithin(v, 6, kKinMaxLength))
+        return QZ_KIN_ERR_INPUT;
+    return DampedLeastSquares(*c, j, v, qdot, report);
+}
+
+}  // extern "C"

@@ -1,0 +1,360 @@
+// The kinematics module against KDL and Eigen on the seven-joint arm of examples/arm7.h: forward
+// kinematics and Jacobian, the damped solver and its singular-value estimate, the orientation
+// error near 0 and pi against a quad-precision oracle, the tracker lead on a running tracker,
+// the position IK beside KDL's, and the refusal of bad input.
+#include <QZKinematics.h>
+#include <QZQuaternions.h>
+
+#include <Eigen/Dense>
+#include <kdl/chainfksolverpos_recursive.hpp>
+#include <kdl/chainiksolverpos_nr_jl.hpp>
+#include <kdl/chainiksolvervel_pinv.hpp>
+#include <kdl/chainiksolvervel_wdls.hpp>
+#include <kdl/chainjnttojacsolver.hpp>
+
+#include <cstdio>
+
+#include "../examples/arm7_kdl.hpp"
+#include "test_util.h"
+
+using namespace qztest;
+
+namespace {
+
+constexpr double kLo[7] = {-2.8973, -1.7628, -2.8973, -3.0718, -2.8973, -0.0175, -2.8973};
+constexpr double kHi[7] = {2.8973, 1.7628, 2.8973, -0.0698, 2.8973, 3.7525, 2.8973};
+
+// The arm of arm7.h as a chain, lengths times scale; its flange is the tool.
+QZKinChain Arm(double scale = 1.0) {
+    double dh[28], tool[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    for (int i = 0; i < 7; ++i) {
+        const double row[4] = {kArm7Links[i].alpha, scale * kArm7Links[i].a,
+                               scale * kArm7Links[i].d, 0.0};
+        std::copy(row, row + 4, dh + 4 * i);
+    }
+    tool[11] = scale * kArm7Flange.d;
+    QZKinChain c;
+    EXPECT_EQ(QZKin_ChainInit(&c, 7, dh, tool, kLo, kHi), QZ_KIN_OK);
+    return c;
+}
+
+void RandomJoints(std::mt19937_64 &rng, double *q) {
+    for (int i = 0; i < 7; ++i) q[i] = Uniform(rng, kLo[i], kHi[i]);
+}
+
+KDL::JntArray Kdl(const double *q, int n = 7) {
+    KDL::JntArray a(n);
+    for (int i = 0; i < n; ++i) a(i) = q[i];
+    return a;
+}
+
+// The arm stretched (docs/singularities.md): joint 4 at the stretch angle plus d.
+void Stretched(double d, double *q) {
+    const double stretch = -(std::atan(82.5 / 316.0) + std::atan(82.5 / 384.0));
+    const double deg = M_PI / 180.0;
+    const double pose[7] = {20 * deg, -30 * deg, 10 * deg, stretch + d, 0.0, 95 * deg, 40 * deg};
+    std::copy(pose, pose + 7, q);
+}
+
+}  // namespace
+
+// KDL's Jacobian and frame are at the tip (the flange) in base axes, like the chain's.
+TEST(Kinematics, ForwardAndJacobianMatchKdl) {
+    auto rng = Rng();
+    for (const double scale : {1.0, 0.001}) {
+        const QZKinChain c = Arm(scale);
+        const KDL::Chain chain = Arm7Chain(scale);
+        KDL::ChainFkSolverPos_recursive fk(chain);
+        KDL::ChainJntToJacSolver jac(chain);
+        for (int n = 0; n < 200; ++n) {
+            double q[7], t[16], tj[16], j[42], pose[7], r[9];
+            RandomJoints(rng, q);
+            KDL::Frame f;
+            KDL::Jacobian jk(7);
+            ASSERT_ALL(QZKin_Forward(&c, q, t) == 1, QZKin_Jacobian(&c, q, j, tj) == 1,
+                       QZKin_ForwardPosQuat(&c, q, pose) == 1, fk.JntToCart(Kdl(q), f) == 0,
+                       jac.JntToJac(Kdl(q), jk) == 0);
+            EXPECT_EQ(std::memcmp(t, tj, sizeof t), 0);
+            const double reach = 1400.0 * scale;
+            for (int e = 0; e < 12; ++e)
+                EXPECT_NEAR(t[e], e % 4 == 3 ? f.p(e / 4) : f.M(e / 4, e % 4),
+                            e % 4 == 3 ? 1e-12 * reach : 1e-12);
+            for (int e = 0; e < 42; ++e)
+                EXPECT_NEAR(j[e], jk(e / 7, e % 7), e < 21 ? 1e-12 * reach : 1e-12) << e;
+            QZ_Quaternion2Matrix3(pose + 3, r);
+            EXPECT_NEAR(QZ_QuaternionSqrtNorm(pose + 3), 1.0, 1e-15);
+            for (int e = 0; e < 9; ++e) EXPECT_NEAR(r[e], t[4 * (e / 3) + e % 3], 1e-15);
+            EXPECT_ALL(pose[0] == t[3], pose[1] == t[7], pose[2] == t[11]);
+        }
+    }
+}
+
+// Away from singularities nothing is damped: the result is the weighted pseudo-inverse's, as
+// KDL's damped solver gives it with the same weights, threshold and damping.
+TEST(Kinematics, DampedSolverMatchesKdlAwayFromSingularities) {
+    auto rng = Rng();
+    const QZKinChain c = Arm();
+    const KDL::Chain chain = Arm7Chain(1.0);
+    KDL::ChainJntToJacSolver jac(chain);
+    KDL::ChainIkSolverVel_wdls wdls(chain, 1e-300);
+    Eigen::MatrixXd wx = Eigen::MatrixXd::Identity(6, 6);
+    for (int k = 0; k < 3; ++k) wx(k, k) = 1.0 / c.lengthScale;
+    wdls.setWeightTS(wx);
+    wdls.setEps(c.sigmaThreshold);
+    wdls.setLambda(c.lambdaMax);
+    int compared = 0;
+    for (int n = 0; n < 300; ++n) {
+        double q[7], j[42], v[6], qdot[7], report[2];
+        RandomJoints(rng, q);
+        for (double &x : v) x = Uniform(rng, -1.0, 1.0);
+        for (int k = 0; k < 3; ++k) v[k] *= 500.0;
+        ASSERT_EQ(QZKin_Jacobian(&c, q, j, nullptr), 1);
+        ASSERT_EQ(QZKin_DampedLeastSquares(&c, j, v, qdot, report), 1);
+        KDL::JntArray out(7);
+        KDL::Twist tw(KDL::Vector(v[0], v[1], v[2]), KDL::Vector(v[3], v[4], v[5]));
+        wdls.CartToJnt(Kdl(q), tw, out);
+        if (wdls.getSigmaMin() < 2.0 * c.sigmaThreshold) continue;  // near a singularity
+        ++compared;
+        EXPECT_EQ(report[1], 0.0);
+        double num = 0.0, den = 0.0;
+        for (int i = 0; i < 7; ++i) {
+            num += (qdot[i] - out(i)) * (qdot[i] - out(i));
+            den += out(i) * out(i);
+        }
+        EXPECT_LE(std::sqrt(num / den), 1e-9) << n;
+    }
+    EXPECT_GT(compared, 200);
+}
+
+// The estimate never lies below the smallest singular value and stays within a few percent of
+// it, from the stretch (where it falls with the distance d) to ordinary poses; near the stretch
+// the damping keeps every joint speed within 1 / (2 lambdaMax) per unit of unitless twist, and
+// it rises continuously: no jump as d crosses the threshold.
+TEST(Kinematics, SingularValueEstimateAndDamping) {
+    auto rng = Rng();
+    const QZKinChain c = Arm();
+    std::vector<double> ds = {0.0, 1e-9, 1e-6, 1e-4, 1e-3, 0.01, 0.05, 0.1, 0.3};
+    for (int n = 0; n < 100; ++n) ds.push_back(Uniform(rng, -1.0, 1.0));
+    double lastLambda = c.lambdaMax, worst = 0.0;
+    for (size_t k = 0; k < ds.size(); ++k) {
+        double q[7], j[42], qdot[7], report[2];
+        Stretched(ds[k], q);
+        if (k >= 9) RandomJoints(rng, q);
+        ASSERT_EQ(QZKin_Jacobian(&c, q, j, nullptr), 1);
+        Eigen::Matrix<double, 6, 7, Eigen::RowMajor> jn(j);
+        jn.topRows<3>() /= c.lengthScale;
+        const double sigma = Eigen::JacobiSVD<Eigen::MatrixXd>(jn).singularValues()(5);
+        for (int axis = 0; axis < 6; ++axis) {
+            double v[6] = {0, 0, 0, 0, 0, 0};
+            v[axis] = axis < 3 ? c.lengthScale : 1.0;  // a unit unitless twist
+            ASSERT_EQ(QZKin_DampedLeastSquares(&c, j, v, qdot, report), 1);
+            for (double x : qdot) EXPECT_LE(std::fabs(x), 1.0 / std::max(sigma, 2 * report[1]));
+        }
+        EXPECT_GE(report[0], sigma - 1e-8) << k;
+        worst = std::max(worst, report[0] / std::max(sigma, 1e-6));
+        if (sigma < 2 * c.sigmaThreshold) EXPECT_LE(report[0], 1.05 * sigma + 1e-8) << k;
+        if (k < 9) {  // approaching the threshold from the stretch, the damping falls off
+            EXPECT_LE(report[1], lastLambda + 1e-12);
+            lastLambda = report[1];
+        }
+    }
+    EXPECT_EQ(lastLambda, 0.0);
+    std::printf("singular-value estimate: at most %.3f times the smallest singular value\n", worst);
+}
+
+// The rotation vector's angle against the exact angle between the given quaternions (the error
+// quaternion formed in quad precision), within 1e-8 of 0 and pi and in between, with
+// quaternions of other than unit length and both signs.
+TEST(Kinematics, OrientationErrorAccurateNearZeroAndPi) {
+#ifdef __SIZEOF_FLOAT128__
+    auto rng = Rng();
+    const double angles[] = {0.0, 1e-15,       1e-12,       3e-9,        1e-8,         1e-4, 0.5,
+                             2.0, M_PI - 1e-4, M_PI - 1e-8, M_PI - 3e-9, M_PI - 1e-12, M_PI};
+    double worst = 0.0;
+    for (const double phi : angles) {
+        for (int n = 0; n < 50; ++n) {
+            double qa[4], turn[4], qt[4], r[3], axis[3];
+            for (double &x : qa) x = Uniform(rng, -1.0, 1.0);
+            for (double &x : axis) x = Uniform(rng, -1.0, 1.0);
+            const double an = std::sqrt(axis[0] * axis[0] + axis[1] * axis[1] + axis[2] * axis[2]);
+            for (int k = 0; k < 3; ++k) turn[k] = std::sin(phi / 2) * axis[k] / an;
+            turn[3] = std::cos(phi / 2);
+            QZ_QuatMult(turn, qa, qt);
+            if (n % 2)
+                for (double &x : qt) x = -2.0 * x;
+            ASSERT_EQ(QZKin_OrientationError(qt, qa, r), 1);
+            using Q = __float128;
+            const Q xt = qt[0], yt = qt[1], zt = qt[2], wt = qt[3];
+            const Q xa = qa[0], ya = qa[1], za = qa[2], wa = qa[3];
+            const Q v[3] = {wa * xt - wt * xa - yt * za + zt * ya,
+                            wa * yt - wt * ya - zt * xa + xt * za,
+                            wa * zt - wt * za - xt * ya + yt * xa};
+            Q w = wt * wa + xt * xa + yt * ya + zt * za;
+            const double s = std::sqrt(double(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]));
+            const double exact = 2.0 * std::atan2(s, std::fabs(double(w)));
+            const double got = std::sqrt(r[0] * r[0] + r[1] * r[1] + r[2] * r[2]);
+            const double ulps = std::fabs(got - exact) / (std::nextafter(exact, 4.0) - exact);
+            worst = std::max(worst, exact > 0 ? ulps : got);
+            const double sign = double(w) < 0 ? -1.0 : 1.0;  // the shorter way
+            for (int k = 0; k < 3 && s > 0 && std::fabs(double(w)) > 1e-15; ++k)
+                EXPECT_NEAR(r[k], sign * double(v[k]) / s * exact, 4e-16 * exact + 1e-300) << phi;
+        }
+    }
+    std::printf("orientation error: largest angle error %.2f ulp\n", worst);
+    EXPECT_LE(worst, 4.0);
+#else
+    GTEST_SKIP() << "no quad precision on this platform";
+#endif
+}
+
+// Led by the lead, a tracker following a ramp ends on the path itself, for several spans and
+// speeds; without it, it trails by v L.
+TEST(Kinematics, TrackerLeadPutsTheOutputOnThePath) {
+    const double vel[3] = {2, 2, 2}, acc[3] = {7.5, 7.5, 20}, jerk[3] = {3750, 375, 3750};
+    const double speed[3] = {1.0, 0.3, -0.05};
+    QZNSyncDTSState s{};
+    ASSERT_EQ(QZNSyncDTS_OnInit(&s, 3, 1.0, vel, acc, jerk), 1);
+    double lead[3], lag[3], out[3];
+    for (int k = 0; k <= 4000; ++k) {
+        double target[3];
+        ASSERT_EQ(QZKin_TrackerLead(&s, speed, nullptr, lead, lag), 1);
+        for (int i = 0; i < 3; ++i) target[i] = speed[i] * k * 1e-3 + lead[i];
+        QZNSyncDTS_OnDT(&s, target, out);
+    }
+    for (int i = 0; i < 3; ++i) EXPECT_NEAR(out[i], speed[i] * 4.0, 1e-9) << i;
+    EXPECT_NEAR(lag[0], 0.0816667, 1e-7);  // docs/streaming.md: 81.67 ms at 1 unit/s, span 3
+    const double a[3] = {2, 0, -1};
+    double led[3];
+    ASSERT_EQ(QZKin_TrackerLead(&s, speed, a, led, nullptr), 1);
+    for (int i = 0; i < 3; ++i) EXPECT_DOUBLE_EQ(led[i], lead[i] + 0.5 * a[i] * lag[i] * lag[i]);
+}
+
+// Random reachable poses (the kinematics of random joints within limits), the same seeds for
+// both solvers; success rates and iterations are printed beside KDL's.
+TEST(Kinematics, PositionIkBesideKdl) {
+    auto rng = Rng();
+    const QZKinChain c = Arm(0.001);
+    const KDL::Chain chain = Arm7Chain(0.001);
+    KDL::ChainFkSolverPos_recursive fk(chain);
+    KDL::ChainIkSolverVel_pinv vel(chain);
+    KDL::ChainIkSolverPos_NR_JL ik(chain, Kdl(kLo), Kdl(kHi), fk, vel, 200, 1e-8);
+    const int cases = 200;
+    int ours = 0, theirs = 0;
+    long ourIter = 0;
+    for (int n = 0; n < cases; ++n) {
+        double goal[7], pose[7], seed[7], q[7], residual[2], check[7];
+        int32_t iters = 0;
+        RandomJoints(rng, goal);
+        for (int i = 0; i < 7; ++i)
+            seed[i] = std::clamp(goal[i] + Uniform(rng, -0.6, 0.6), kLo[i], kHi[i]);
+        ASSERT_EQ(QZKin_ForwardPosQuat(&c, goal, pose), 1);
+        const int32_t rc =
+            QZKin_SolvePosition(&c, pose, seed, 200, 1e-8, 1e-8, q, residual, &iters);
+        ASSERT_GE(rc, 0);
+        for (int i = 0; i < 7; ++i) EXPECT_ALL(q[i] >= kLo[i], q[i] <= kHi[i]);
+        if (rc == 1) {
+            ++ours;
+            ourIter += iters;
+            ASSERT_EQ(QZKin_ForwardPosQuat(&c, q, check), 1);
+            for (int k = 0; k < 3; ++k) EXPECT_NEAR(check[k], pose[k], 1e-8);
+            EXPECT_ALL(residual[0] <= 1e-8, residual[1] <= 1e-8);
+        }
+        KDL::Frame f;
+        fk.JntToCart(Kdl(goal), f);
+        KDL::JntArray out(7);
+        if (ik.CartToJnt(Kdl(seed), f, out) >= 0) ++theirs;
+    }
+    std::printf("position IK, %d poses: converged %d (mean %.1f iterations), KDL NR_JL %d\n", cases,
+                ours, ours ? double(ourIter) / ours : 0.0, theirs);
+    EXPECT_GE(ours, theirs);
+    EXPECT_GE(ours, cases * 9 / 10);
+}
+
+// Every refusal leaves the outputs as they were; the table names what is wrong.
+TEST(Kinematics, RefusesBadInput) {
+    const QZKinChain c = Arm();
+    const double nan = NAN, inf = INFINITY;
+    const double good[7] = {0.1, 0.2, 0.3, -1.0, 0.1, 1.0, 0.2};
+    double dh[28] = {}, tool[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    QZKinChain untouched;
+    std::memset(&untouched, 0x5a, sizeof untouched);
+    struct Chain {
+        int n, entry;
+        double value;
+        int32_t rc;
+    } chains[] = {{0, -1, 0, QZ_KIN_ERR_COUNT},     {9, -1, 0, QZ_KIN_ERR_COUNT},
+                  {7, 1, nan, QZ_KIN_ERR_TABLE},    {7, 2, 2e9, QZ_KIN_ERR_TABLE},
+                  {7, 0, 13.0, QZ_KIN_ERR_TABLE},   {7, 103, inf, QZ_KIN_ERR_TOOL},
+                  {7, 115, 0.5, QZ_KIN_ERR_TOOL},   {7, 100, 1.001, QZ_KIN_ERR_TOOL},
+                  {7, 200, nan, QZ_KIN_ERR_LIMITS}, {7, 201, 5.0, QZ_KIN_ERR_LIMITS}};
+    for (const Chain &k : chains) {
+        double d[28], t[16], lo[7], hi[7];
+        std::copy(dh, dh + 28, d);
+        std::copy(tool, tool + 16, t);
+        std::copy(kLo, kLo + 7, lo);
+        std::copy(kHi, kHi + 7, hi);
+        if (k.entry >= 200)
+            lo[3] = k.value;
+        else if (k.entry >= 100)
+            t[k.entry - 100] = k.value;
+        else if (k.entry >= 0)
+            d[k.entry] = k.value;
+        QZKinChain out = untouched;
+        EXPECT_EQ(QZKin_ChainInit(&out, k.n, d, t, lo, hi), k.rc) << k.entry;
+        EXPECT_EQ(std::memcmp(&out, &untouched, sizeof out), 0);
+    }
+    QZKinChain uninit{}, copy = c;
+    EXPECT_ALL(QZKin_SetDamping(&uninit, 1, 0.1, 0.1) == QZ_KIN_ERR_COUNT,
+               QZKin_SetDamping(&copy, 0.0, 0.1, 0.1) == QZ_KIN_ERR_INPUT,
+               QZKin_SetDamping(&copy, 1.0, nan, 0.1) == QZ_KIN_ERR_INPUT,
+               QZKin_SetDamping(&copy, 1.0, 0.1, 2.0) == QZ_KIN_ERR_INPUT,
+               std::memcmp(&copy, &c, sizeof c) == 0);
+
+    double out[42];
+    std::fill(out, out + 42, 7.0);
+    const double bad[][7] = {
+        {nan, 0, 0, -1, 0, 1, 0}, {0, inf, 0, -1, 0, 1, 0}, {0, 0, 2e4, -1, 0, 1, 0}};
+    for (const auto &q : bad)
+        EXPECT_ALL(QZKin_Forward(&c, q, out) == QZ_KIN_ERR_INPUT,
+                   QZKin_ForwardPosQuat(&c, q, out) == QZ_KIN_ERR_INPUT,
+                   QZKin_Jacobian(&c, q, out, out) == QZ_KIN_ERR_INPUT,
+                   QZKin_Forward(&uninit, good, out) == QZ_KIN_ERR_COUNT);
+    double j[42], v[6] = {1, 0, 0, 0, 0, 0}, pose[7], res[2];
+    ASSERT_EQ(QZKin_Jacobian(&c, good, j, nullptr), 1);
+    ASSERT_EQ(QZKin_ForwardPosQuat(&c, good, pose), 1);
+    double jbad[42], vbad[6] = {1, 0, 0, nan, 0, 0};
+    std::copy(j, j + 42, jbad);
+    jbad[40] = inf;
+    const double zero[4] = {0, 0, 0, 0}, unit[4] = {0, 0, 0, 1}, nanq[4] = {0, nan, 0, 1};
+    double poseBad[7];
+    std::copy(pose, pose + 7, poseBad);
+    poseBad[6] = nan;
+    EXPECT_ALL(
+        QZKin_DampedLeastSquares(&c, jbad, v, out, nullptr) == QZ_KIN_ERR_INPUT,
+        QZKin_DampedLeastSquares(&c, j, vbad, out, nullptr) == QZ_KIN_ERR_INPUT,
+        QZKin_DampedLeastSquares(&uninit, j, v, out, nullptr) == QZ_KIN_ERR_COUNT,
+        QZKin_OrientationError(zero, unit, out) == QZ_KIN_ERR_INPUT,
+        QZKin_OrientationError(unit, nanq, out) == QZ_KIN_ERR_INPUT,
+        QZKin_SolvePosition(&c, poseBad, good, 10, 1e-6, 1e-6, out, res, nullptr) ==
+            QZ_KIN_ERR_INPUT,
+        QZKin_SolvePosition(&c, pose, bad[0], 10, 1e-6, 1e-6, out, res, nullptr) ==
+            QZ_KIN_ERR_INPUT,
+        QZKin_SolvePosition(&c, pose, good, 0, 1e-6, 1e-6, out, res, nullptr) == QZ_KIN_ERR_INPUT,
+        QZKin_SolvePosition(&c, pose, good, 10, 0.0, 1e-6, out, res, nullptr) == QZ_KIN_ERR_INPUT);
+    for (double x : out) EXPECT_EQ(x, 7.0);
+
+    // Undamped at the stretch: nothing to invert, and said so.
+    QZKinChain stiff = c;
+    ASSERT_EQ(QZKin_SetDamping(&stiff, 1000.0, 0.01, 0.0), 1);
+    std::copy(j + 28, j + 35, j + 35);  // two equal rows: rank lost exactly
+    EXPECT_EQ(QZKin_DampedLeastSquares(&stiff, j, v, out, nullptr), QZ_KIN_ERR_SINGULAR);
+
+    // The lead needs an initialised tracker and finite path rates.
+    QZNSyncDTSState s{};
+    const double lim[2] = {1, 1}, jerk[2] = {100, 100}, path[2] = {1, nan};
+    EXPECT_EQ(QZKin_TrackerLead(&s, path, nullptr, out, nullptr), QZ_KIN_ERR_COUNT);
+    ASSERT_EQ(QZNSyncDTS_OnInit(&s, 2, 1.0, lim, lim, jerk), 1);
+    EXPECT_ALL(QZKin_TrackerLead(&s, path, nullptr, out, nullptr) == QZ_KIN_ERR_INPUT,
+               QZKin_TrackerLead(&s, lim, path, out, nullptr) == QZ_KIN_ERR_INPUT);
+    for (double x : out) EXPECT_EQ(x, 7.0);
+}
