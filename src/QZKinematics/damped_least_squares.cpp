@@ -2,16 +2,19 @@
 //
 // Method: the Jacobian and the twist are made unitless (linear rows divided by the chain's length
 // scale), and the Gram matrix G of the short side is formed: Jn Jn^T (6 x 6) for six joints or
-// more, Jn^T Jn (n x n) for fewer. Its Cholesky factor L gives both the estimate and the solve.
+// more, Jn^T Jn (n x n) for fewer. Its factorisation G = L D L^T (L unit lower triangular, D
+// diagonal) gives both the estimate and the solve, with one division per pivot and none in the
+// substitutions, which keeps the chains of dependent operations short.
 //
 // The estimate: the smallest eigenvalue of G is sigma^2, the largest of G^-1 is 1 / sigma^2.
 // A start vector that G^-1 magnifies strongly is built the way condition estimators build one
-// (solving L y = e with each e_k = +-1 chosen to make y_k larger, then L^T x = y), and two steps
-// of inverse iteration refine it; the Rayleigh quotient mu = x^T G^-1 x of the unit x is then
-// within a small factor of 1 / sigma^2, and converges fastest exactly where it matters, when
-// sigma is far below the next singular value. sigma is reported as 1 / sqrt(mu), which never
-// lies below the true value. A pivot of the factorisation at or below kPivotFloor times the
-// largest diagonal element of G means a rank lost to rounding: sigma is then 0.
+// (solving L y = e with each e_k = +-1 chosen to make y_k larger, then x = L^-T D^-1 y), and
+// kRefineSteps steps of inverse iteration refine it. The Rayleigh quotient of a unit x,
+// mu = x^T G^-1 x = |D^-1/2 L^-1 x|^2, needs only the forward half of a solve; it lies within a
+// small factor of 1 / sigma^2 and converges fastest exactly where it matters, when sigma is far
+// below the next singular value. sigma is reported as 1 / sqrt(mu), which never lies below the
+// true value. A pivot at or below kPivotFloor times the largest diagonal element of G means a
+// rank lost to rounding: sigma is then 0.
 //
 // The damping: lambda^2 = (1 - (sigma / eps)^2) lambdaMax^2 below the threshold eps, 0 above it,
 // so the solution is the plain least-squares one away from singularities and is damped
@@ -21,81 +24,90 @@
 #include "QZBaseMath/scalar_inline.h"
 #include "QZKinematics/kinematics.h"
 
+// Every loop here has bounds fixed by the size; unrolled, the factorisation and the substitutions
+// become straight-line code with their operands in registers.
+#define QZ_KIN_UNROLL _Pragma("GCC unroll 8")
+
 namespace qz::detail {
 namespace {
 
 constexpr double kPivotFloor = 1e-15;
-constexpr int kRefineSteps = 2;  // inverse-iteration steps after the start vector
+constexpr int kRefineSteps = 1;  // inverse-iteration steps after the start vector
 
-// Cholesky factor of the K x K symmetric g (lower triangle read) into l; false when a pivot is
-// at or below floor.
+// G = L D L^T of the K x K symmetric g (lower triangle read): the strict lower triangle of L in
+// l, the reciprocals of D in invd. False when a pivot is at or below floor; every element is
+// written either way, the later ones then meaningless.
 template <int K>
-bool Factor(const double (&g)[K][K], double floor, double (&l)[K][K]) {
+bool Factor(const double (&g)[K][K], double floor, double (&l)[K][K], double *invd) {
+    bool ok = true;
+    QZ_KIN_UNROLL
     for (int i = 0; i < K; ++i) {
-        for (int k = 0; k <= i; ++k) {
+        double t[K];  // l[i][m] d[m], for the terms of row i
+        QZ_KIN_UNROLL
+        for (int k = 0; k < i; ++k) {
             double s = g[i][k];
-            for (int m = 0; m < k; ++m) s = s - l[i][m] * l[k][m];
-            if (k < i) {
-                l[i][k] = s / l[k][k];
-            } else {
-                if (!(s > floor)) return false;
-                l[i][i] = Sqrt(s);
-            }
+            QZ_KIN_UNROLL
+            for (int m = 0; m < k; ++m) s = s - t[m] * l[k][m];
+            t[k] = s;
+            l[i][k] = s * invd[k];
         }
+        double d = g[i][i];
+        QZ_KIN_UNROLL
+        for (int m = 0; m < i; ++m) d = d - t[m] * l[i][m];
+        ok = ok & (d > floor);
+        invd[i] = 1.0 / d;
     }
-    return true;
+    return ok;
 }
 
+// x = L^-1 x, L unit lower triangular.
 template <int K>
 void SolveLower(const double (&l)[K][K], double *x) {
-    for (int i = 0; i < K; ++i) {
+    QZ_KIN_UNROLL
+    for (int i = 1; i < K; ++i) {
         double s = x[i];
+        QZ_KIN_UNROLL
         for (int m = 0; m < i; ++m) s = s - l[i][m] * x[m];
-        x[i] = s / l[i][i];
+        x[i] = s;
     }
 }
 
+// x = L^-T D^-1 x.
 template <int K>
-void SolveUpper(const double (&l)[K][K], double *x) {
+void SolveUpper(const double (&l)[K][K], const double *invd, double *x) {
+    QZ_KIN_UNROLL
     for (int i = K - 1; i >= 0; --i) {
-        double s = x[i];
+        double s = x[i] * invd[i];
+        QZ_KIN_UNROLL
         for (int m = i + 1; m < K; ++m) s = s - l[m][i] * x[m];
-        x[i] = s / l[i][i];
+        x[i] = s;
     }
 }
 
+// Estimated smallest singular value of Jn from the factors of its Gram matrix.
 template <int K>
-double Norm(const double *x) {
-    double s = 0.0;
-    for (int i = 0; i < K; ++i) s = s + x[i] * x[i];
-    return Sqrt(s);
-}
-
-// Estimated smallest singular value of Jn from the Cholesky factor of its Gram matrix.
-template <int K>
-double SmallestSingular(const double (&l)[K][K]) {
-    // Start vector: y_k grows as fast as the choice of e_k = +-1 allows.
+double SmallestSingular(const double (&l)[K][K], const double *invd) {
     double x[K];
-    for (int i = 0; i < K; ++i) {
+    QZ_KIN_UNROLL
+    for (int i = 0; i < K; ++i) {  // y = L^-1 e, each e_i pushing y_i away from zero
         double s = 0.0;
+        QZ_KIN_UNROLL
         for (int m = 0; m < i; ++m) s = s + l[i][m] * x[m];
-        const double up = (1.0 - s) / l[i][i], down = (-1.0 - s) / l[i][i];
-        x[i] = Fabs(up) >= Fabs(down) ? up : down;
+        x[i] = s > 0.0 ? -1.0 - s : 1.0 - s;
     }
-    SolveUpper<K>(l, x);
+    SolveUpper<K>(l, invd, x);
     double mu = 0.0;
+    QZ_KIN_UNROLL
     for (int step = 0; step < kRefineSteps; ++step) {
-        const double n = Norm<K>(x);
-        double y[K];
-        for (int i = 0; i < K; ++i) {
-            x[i] = x[i] / n;
-            y[i] = x[i];
-        }
-        SolveLower<K>(l, y);
-        SolveUpper<K>(l, y);
+        double n2 = 0.0;
+        QZ_KIN_UNROLL
+        for (int i = 0; i < K; ++i) n2 = n2 + x[i] * x[i];
+        SolveLower<K>(l, x);
         mu = 0.0;
-        for (int i = 0; i < K; ++i) mu = mu + x[i] * y[i];
-        for (int i = 0; i < K; ++i) x[i] = y[i];
+        QZ_KIN_UNROLL
+        for (int i = 0; i < K; ++i) mu = mu + x[i] * x[i] * invd[i];
+        mu = mu / n2;
+        if (step + 1 < kRefineSteps) SolveUpper<K>(l, invd, x);
     }
     return 1.0 / Sqrt(mu);
 }
@@ -106,20 +118,26 @@ std::int32_t Dls(const QZKinChain &c, const double *j, const double *v, double *
     constexpr int K = N < 6 ? N : 6;
     const double inv = 1.0 / c.lengthScale;
     double jn[6][N], vn[6];
+    QZ_KIN_UNROLL
     for (int r = 0; r < 6; ++r) {
         const double s = r < 3 ? inv : 1.0;
+        QZ_KIN_UNROLL
         for (int i = 0; i < N; ++i) jn[r][i] = j[r * N + i] * s;
         vn[r] = v[r] * s;
     }
     // Gram matrix (lower triangle, mirrored) and the right-hand side.
     double g[K][K], rhs[K];
     double top = 0.0;
+    QZ_KIN_UNROLL
     for (int a = 0; a < K; ++a) {
+        QZ_KIN_UNROLL
         for (int b = 0; b <= a; ++b) {
             double s = 0.0;
             if constexpr (N >= 6) {
+                QZ_KIN_UNROLL
                 for (int i = 0; i < N; ++i) s = s + jn[a][i] * jn[b][i];
             } else {
+                QZ_KIN_UNROLL
                 for (int r = 0; r < 6; ++r) s = s + jn[r][a] * jn[r][b];
             }
             g[a][b] = s;
@@ -130,13 +148,14 @@ std::int32_t Dls(const QZKinChain &c, const double *j, const double *v, double *
             rhs[a] = vn[a];
         } else {
             double s = 0.0;
+            QZ_KIN_UNROLL
             for (int r = 0; r < 6; ++r) s = s + jn[r][a] * vn[r];
             rhs[a] = s;
         }
     }
     const double floor = kPivotFloor * top;
-    double l[K][K] = {};
-    const double sigma = Factor<K>(g, floor, l) ? SmallestSingular<K>(l) : 0.0;
+    double l[K][K], invd[K];
+    const double sigma = Factor<K>(g, floor, l, invd) ? SmallestSingular<K>(l, invd) : 0.0;
     const double eps = c.sigmaThreshold;
     double lambda = 0.0;
     if (sigma < eps) {
@@ -144,19 +163,23 @@ std::int32_t Dls(const QZKinChain &c, const double *j, const double *v, double *
         lambda = Sqrt(1.0 - ratio * ratio) * c.lambdaMax;
         const double l2 = lambda * lambda;
         double gd[K][K];
-        for (int a = 0; a < K; ++a)
-            for (int b = 0; b < K; ++b) gd[a][b] = a == b ? g[a][b] + l2 : g[a][b];
-        if (!Factor<K>(gd, floor, l)) return QZ_KIN_ERR_SINGULAR;
+        QZ_KIN_UNROLL
+        for (int a = 0; a < K; ++a) QZ_KIN_UNROLL
+        for (int b = 0; b < K; ++b) gd[a][b] = a == b ? g[a][b] + l2 : g[a][b];
+        if (!Factor<K>(gd, floor, l, invd)) return QZ_KIN_ERR_SINGULAR;
     }
     SolveLower<K>(l, rhs);
-    SolveUpper<K>(l, rhs);
+    SolveUpper<K>(l, invd, rhs);
     if constexpr (N >= 6) {
+        QZ_KIN_UNROLL
         for (int i = 0; i < N; ++i) {
             double s = 0.0;
+            QZ_KIN_UNROLL
             for (int r = 0; r < 6; ++r) s = s + jn[r][i] * rhs[r];
             qdot[i] = s;
         }
     } else {
+        QZ_KIN_UNROLL
         for (int i = 0; i < N; ++i) qdot[i] = rhs[i];
     }
     if (report) {

@@ -18,10 +18,12 @@ void ChainFrames(const QZKinChain &c, const double *q, double *t, double (*z)[3]
     // Columns of R: col[k][row].
     double col[3][3] = {{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}};
     double o[3] = {0.0, 0.0, 0.0};
+    // The joint angles' sines and cosines first: independent calls, none waiting on the frames.
+    double sq[QZ_KIN_MAX_JOINTS], cq[QZ_KIN_MAX_JOINTS];
+    for (int i = 0; i < c.jointNum; ++i) SinCosArc(q[i] + c.offset[i], &sq[i], &cq[i]);
     for (int i = 0; i < c.jointNum; ++i) {
         const double sa = c.sinAlpha[i], ca = c.cosAlpha[i], a = c.a[i], d = c.d[i];
-        double st, ct;
-        SinCosArc(q[i] + c.offset[i], &st, &ct);
+        const double st = sq[i], ct = cq[i];
         for (int r = 0; r < 3; ++r) {
             const double x = col[0][r], y = col[1][r], w = col[2][r];
             const double y1 = ca * y + sa * w;  // after the twist

@@ -9,8 +9,8 @@
 // 0 the opposite holds: v is the sum of four products that cancel to something small, and a plain
 // sum would leave an absolute error of about 1e-16, a relative error of 1e-8 for an angle of
 // 1e-8. So each component of v is summed as a compensated dot product: every product is split
-// exactly into a rounded part and its rounding error (Dekker's product, with Veltkamp's split,
-// which needs no fused multiply-add), and the parts are summed with their errors carried along.
+// exactly into a rounded part and its rounding error (Dekker's product, with Veltkamp's split of
+// each component formed once, which needs no fused multiply-add), and the parts are summed with their errors carried along.
 // The result is as accurate as if formed in twice the precision and then rounded, which leaves
 // the angle correct to a few ulps down to angles of about 1e-16 rad.
 #include "QZKinematics.h"
@@ -26,12 +26,23 @@ constexpr double kSplit = 134217729.0;  // 2^27 + 1: splits a double into two 26
 constexpr double kQuatMinNorm2 = 1e-16;
 constexpr double kQuatMaxNorm2 = 1e16;
 
-// a * b == hi + lo exactly.
-inline void ExactProduct(double a, double b, double &hi, double &lo) {
-    hi = a * b;
-    const double ca = kSplit * a, ah = ca - (ca - a), al = a - ah;
-    const double cb = kSplit * b, bh = cb - (cb - b), bl = b - bh;
-    lo = ((ah * bh - hi) + ah * bl + al * bh) + al * bl;
+// A double split into a high part of at most 26 significant bits and the exact remainder, so
+// that a product of two high or low parts is exact.
+struct Split {
+    double v, hi, lo;
+};
+
+inline Split SplitOf(double a) {
+    const double c = kSplit * a, hi = c - (c - a);
+    return {a, hi, a - hi};
+}
+
+inline Split Neg(Split s) { return {-s.v, -s.hi, -s.lo}; }
+
+// a * b == p + e exactly.
+inline void ExactProduct(const Split &a, const Split &b, double &p, double &e) {
+    p = a.v * b.v;
+    e = ((a.hi * b.hi - p) + a.hi * b.lo + a.lo * b.hi) + a.lo * b.lo;
 }
 
 // a + b == s + e exactly.
@@ -42,7 +53,7 @@ inline void ExactSum(double a, double b, double &s, double &e) {
 }
 
 // a0 b0 + a1 b1 + a2 b2 + a3 b3, as if in twice the precision, then rounded.
-inline double Dot4(const double *a, const double *b) {
+inline double Dot4(const Split (&a)[4], const Split (&b)[4]) {
     double sum, err;
     ExactProduct(a[0], b[0], sum, err);
     for (int k = 1; k < 4; ++k) {
@@ -62,14 +73,16 @@ bool QuatOk(const double *q) {
 }  // namespace
 
 void OrientationError(const double *qt, const double *qa, double *r) {
-    const double xt = qt[0], yt = qt[1], zt = qt[2], wt = qt[3];
-    const double xa = qa[0], ya = qa[1], za = qa[2], wa = qa[3];
+    // Each component is split once; a negated split is exact.
+    const Split xt = SplitOf(qt[0]), yt = SplitOf(qt[1]), zt = SplitOf(qt[2]), wt = SplitOf(qt[3]);
+    const Split xa = SplitOf(qa[0]), ya = SplitOf(qa[1]), za = SplitOf(qa[2]), wa = SplitOf(qa[3]);
     // v = wa vt - wt va - vt x va, w = wt wa + vt . va
-    const double ax[4] = {wa, -wt, -yt, zt}, bx[4] = {xt, xa, za, ya};
-    const double ay[4] = {wa, -wt, -zt, xt}, by[4] = {yt, ya, xa, za};
-    const double az[4] = {wa, -wt, -xt, yt}, bz[4] = {zt, za, ya, xa};
+    const Split nwt = Neg(wt);
+    const Split ax[4] = {wa, nwt, Neg(yt), zt}, bx[4] = {xt, xa, za, ya};
+    const Split ay[4] = {wa, nwt, Neg(zt), xt}, by[4] = {yt, ya, xa, za};
+    const Split az[4] = {wa, nwt, Neg(xt), yt}, bz[4] = {zt, za, ya, xa};
     double v[3] = {Dot4(ax, bx), Dot4(ay, by), Dot4(az, bz)};
-    double w = wt * wa + xt * xa + yt * ya + zt * za;
+    double w = qt[3] * qa[3] + qt[0] * qa[0] + qt[1] * qa[1] + qt[2] * qa[2];
     if (w < 0.0) {
         w = -w;
         for (double &x : v) x = -x;
