@@ -161,7 +161,8 @@ QZ_API int32_t QZKin_OrientationError(const double *qTarget, const double *qActu
  * @param[in]  v       Twist (6): linear velocity (units/s), angular velocity (rad/s).
  * @param[out] qdot    Joint velocities (rad/s), jointNum; unwritten on refusal.
  * @param[out] report  Two values or NULL: sigma (unitless) and the lambda applied.
- * @return QZ_KIN_OK, QZ_KIN_ERR_COUNT, QZ_KIN_ERR_INPUT or QZ_KIN_ERR_SINGULAR.
+ * @return QZ_KIN_OK, QZ_KIN_ERR_COUNT, QZ_KIN_ERR_SINGULAR, or QZ_KIN_ERR_INPUT for a NaN or
+ *         infinite entry, or one that overflows the solve (any beyond 1e9 is then named so).
  */
 QZ_API int32_t QZKin_DampedLeastSquares(const QZKinChain *c, const double *j, const double *v,
                                         double *qdot, double *report);

@@ -19,14 +19,16 @@
 // The damping: lambda^2 = (1 - (sigma / eps)^2) lambdaMax^2 below the threshold eps, 0 above it,
 // so the solution is the plain least-squares one away from singularities and is damped
 // continuously as sigma falls. When lambda is not 0, G + lambda^2 I is factorised again.
+//
+// Bad input is found from its effects rather than by testing every entry on every call: a NaN or
+// infinite entry of J, or one large enough to overflow the Gram matrix, makes a pivot NaN or
+// infinite and the factorisation fail; one in the twist reaches every joint velocity. Only then
+// are the inputs examined, to tell bad input from a singular Jacobian with no damping allowed.
 #include "QZKinematics.h"
 
 #include "QZBaseMath/scalar_inline.h"
 #include "QZKinematics/kinematics.h"
-
-// Every loop here has bounds fixed by the size; unrolled, the factorisation and the substitutions
-// become straight-line code with their operands in registers.
-#define QZ_KIN_UNROLL _Pragma("GCC unroll 8")
+#include "QZMatrix/matrix.h"
 
 namespace qz::detail {
 namespace {
@@ -72,6 +74,22 @@ void SolveLower(const double (&l)[K][K], double *x) {
     }
 }
 
+// x = L^-1 x and y = L^-1 y together, one in each lane of a Pair: the same operations on two
+// independent right-hand sides, so the two chains of dependent steps overlap.
+template <int K>
+void SolveLowerBoth(const double (&l)[K][K], double *x, double *y) {
+    Pair z[K];
+    QZ_KIN_UNROLL
+    for (int i = 0; i < K; ++i) {
+        Pair s = {x[i], y[i]};
+        QZ_KIN_UNROLL
+        for (int m = 0; m < i; ++m) s = s - Pair{l[i][m], l[i][m]} * z[m];
+        z[i] = s;
+        x[i] = s[0];
+        y[i] = s[1];
+    }
+}
+
 // x = L^-T D^-1 x.
 template <int K>
 void SolveUpper(const double (&l)[K][K], const double *invd, double *x) {
@@ -84,9 +102,10 @@ void SolveUpper(const double (&l)[K][K], const double *invd, double *x) {
     }
 }
 
-// Estimated smallest singular value of Jn from the factors of its Gram matrix.
+// Estimated smallest singular value of Jn from the factors of its Gram matrix. The forward half
+// of the solve for rhs runs alongside the estimate's last forward substitution.
 template <int K>
-double SmallestSingular(const double (&l)[K][K], const double *invd) {
+double SmallestSingular(const double (&l)[K][K], const double *invd, double *rhs) {
     double x[K];
     QZ_KIN_UNROLL
     for (int i = 0; i < K; ++i) {  // y = L^-1 e, each e_i pushing y_i away from zero
@@ -95,21 +114,31 @@ double SmallestSingular(const double (&l)[K][K], const double *invd) {
         for (int m = 0; m < i; ++m) s = s + l[i][m] * x[m];
         x[i] = s > 0.0 ? -1.0 - s : 1.0 - s;
     }
-    SolveUpper<K>(l, invd, x);
     double mu = 0.0;
     QZ_KIN_UNROLL
     for (int step = 0; step < kRefineSteps; ++step) {
+        SolveUpper<K>(l, invd, x);
         double n2 = 0.0;
         QZ_KIN_UNROLL
         for (int i = 0; i < K; ++i) n2 = n2 + x[i] * x[i];
-        SolveLower<K>(l, x);
+        if (step + 1 < kRefineSteps) {
+            SolveLower<K>(l, x);
+        } else {
+            SolveLowerBoth<K>(l, x, rhs);
+        }
         mu = 0.0;
         QZ_KIN_UNROLL
         for (int i = 0; i < K; ++i) mu = mu + x[i] * x[i] * invd[i];
         mu = mu / n2;
-        if (step + 1 < kRefineSteps) SolveUpper<K>(l, invd, x);
     }
     return 1.0 / Sqrt(mu);
+}
+
+// Why a solve failed: bad input, or a Jacobian that lost rank with no damping to make up for it.
+std::int32_t Refusal(const double *j, const double *v, int n) {
+    if (!AllWithin(j, 6 * n, kKinMaxLength) || !AllWithin(v, 6, kKinMaxLength))
+        return QZ_KIN_ERR_INPUT;
+    return QZ_KIN_ERR_SINGULAR;
 }
 
 template <int N>
@@ -125,8 +154,26 @@ std::int32_t Dls(const QZKinChain &c, const double *j, const double *v, double *
         for (int i = 0; i < N; ++i) jn[r][i] = j[r * N + i] * s;
         vn[r] = v[r] * s;
     }
+    // With six joints or more, Jn Jn^T as the sum of the outer products of the columns, three
+    // Pairs to a row: every element still adds its products in increasing column order.
+    Pair outer[6][3];
+    if constexpr (N >= 6) {
+        QZ_KIN_UNROLL
+        for (int a = 0; a < 6; ++a) QZ_KIN_UNROLL
+        for (int p = 0; p < 3; ++p) outer[a][p] = Pair{0.0, 0.0};
+        QZ_KIN_UNROLL
+        for (int i = 0; i < N; ++i) {
+            const Pair col[3] = {{jn[0][i], jn[1][i]}, {jn[2][i], jn[3][i]}, {jn[4][i], jn[5][i]}};
+            QZ_KIN_UNROLL
+            for (int a = 0; a < 6; ++a) {
+                const Pair e = {jn[a][i], jn[a][i]};
+                QZ_KIN_UNROLL
+                for (int p = 0; p < 3; ++p) outer[a][p] = outer[a][p] + e * col[p];
+            }
+        }
+    }
     // Gram matrix (lower triangle, mirrored) and the right-hand side.
-    double g[K][K], rhs[K];
+    double g[K][K], rhs[K], rhs0[K];
     double top = 0.0;
     QZ_KIN_UNROLL
     for (int a = 0; a < K; ++a) {
@@ -134,8 +181,7 @@ std::int32_t Dls(const QZKinChain &c, const double *j, const double *v, double *
         for (int b = 0; b <= a; ++b) {
             double s = 0.0;
             if constexpr (N >= 6) {
-                QZ_KIN_UNROLL
-                for (int i = 0; i < N; ++i) s = s + jn[a][i] * jn[b][i];
+                s = outer[a][b / 2][b % 2];
             } else {
                 QZ_KIN_UNROLL
                 for (int r = 0; r < 6; ++r) s = s + jn[r][a] * jn[r][b];
@@ -155,7 +201,8 @@ std::int32_t Dls(const QZKinChain &c, const double *j, const double *v, double *
     }
     const double floor = kPivotFloor * top;
     double l[K][K], invd[K];
-    const double sigma = Factor<K>(g, floor, l, invd) ? SmallestSingular<K>(l, invd) : 0.0;
+    for (int a = 0; a < K; ++a) rhs0[a] = rhs[a];
+    const double sigma = Factor<K>(g, floor, l, invd) ? SmallestSingular<K>(l, invd, rhs) : 0.0;
     const double eps = c.sigmaThreshold;
     double lambda = 0.0;
     if (sigma < eps) {
@@ -166,22 +213,30 @@ std::int32_t Dls(const QZKinChain &c, const double *j, const double *v, double *
         QZ_KIN_UNROLL
         for (int a = 0; a < K; ++a) QZ_KIN_UNROLL
         for (int b = 0; b < K; ++b) gd[a][b] = a == b ? g[a][b] + l2 : g[a][b];
-        if (!Factor<K>(gd, floor, l, invd)) return QZ_KIN_ERR_SINGULAR;
+        if (!Factor<K>(gd, floor, l, invd)) return Refusal(j, v, N);
+        for (int a = 0; a < K; ++a) rhs[a] = rhs0[a];
+        SolveLower<K>(l, rhs);
     }
-    SolveLower<K>(l, rhs);
     SolveUpper<K>(l, invd, rhs);
+    double out[N];
     if constexpr (N >= 6) {
         QZ_KIN_UNROLL
         for (int i = 0; i < N; ++i) {
             double s = 0.0;
             QZ_KIN_UNROLL
             for (int r = 0; r < 6; ++r) s = s + jn[r][i] * rhs[r];
-            qdot[i] = s;
+            out[i] = s;
         }
     } else {
         QZ_KIN_UNROLL
-        for (int i = 0; i < N; ++i) qdot[i] = rhs[i];
+        for (int i = 0; i < N; ++i) out[i] = rhs[i];
     }
+    double finite = 0.0;  // 0 unless an entry is NaN or infinite
+    QZ_KIN_UNROLL
+    for (int i = 0; i < N; ++i) finite = finite + out[i] * 0.0;
+    if (finite != 0.0) return Refusal(j, v, N);
+    QZ_KIN_UNROLL
+    for (int i = 0; i < N; ++i) qdot[i] = out[i];
     if (report) {
         report[0] = sigma;
         report[1] = lambda;
@@ -193,16 +248,7 @@ std::int32_t Dls(const QZKinChain &c, const double *j, const double *v, double *
 
 std::int32_t DampedLeastSquares(const QZKinChain &c, const double *j, const double *v, double *qdot,
                                 double *report) {
-    switch (c.jointNum) {
-        case 1: return Dls<1>(c, j, v, qdot, report);
-        case 2: return Dls<2>(c, j, v, qdot, report);
-        case 3: return Dls<3>(c, j, v, qdot, report);
-        case 4: return Dls<4>(c, j, v, qdot, report);
-        case 5: return Dls<5>(c, j, v, qdot, report);
-        case 6: return Dls<6>(c, j, v, qdot, report);
-        case 7: return Dls<7>(c, j, v, qdot, report);
-        default: return Dls<8>(c, j, v, qdot, report);
-    }
+    QZ_KIN_DISPATCH(c.jointNum, Dls, c, j, v, qdot, report)
 }
 
 }  // namespace qz::detail
@@ -213,9 +259,6 @@ QZ_API int32_t QZKin_DampedLeastSquares(const QZKinChain *c, const double *j, co
                                         double *qdot, double *report) {
     using namespace qz::detail;
     if (!ChainReady(c)) return QZ_KIN_ERR_COUNT;
-    // Entries beyond the length bound would overflow the Gram matrix's products.
-    if (!AllWithin(j, 6 * c->jointNum, kKinMaxLength) || !AllWithin(v, 6, kKinMaxLength))
-        return QZ_KIN_ERR_INPUT;
     return DampedLeastSquares(*c, j, v, qdot, report);
 }
 

@@ -13,15 +13,18 @@
 #include "QZQuaternions/quaternion.h"
 
 namespace qz::detail {
+namespace {
 
-void ChainFrames(const QZKinChain &c, const double *q, double *t, double (*z)[3], double (*p)[3]) {
+template <int N>
+void Frames(const QZKinChain &c, const double *q, double *t, double (*z)[3], double (*p)[3]) {
     // Columns of R: col[k][row].
     double col[3][3] = {{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}};
     double o[3] = {0.0, 0.0, 0.0};
     // The joint angles' sines and cosines first: independent calls, none waiting on the frames.
-    double sq[QZ_KIN_MAX_JOINTS], cq[QZ_KIN_MAX_JOINTS];
-    for (int i = 0; i < c.jointNum; ++i) SinCosArc(q[i] + c.offset[i], &sq[i], &cq[i]);
-    for (int i = 0; i < c.jointNum; ++i) {
+    double sq[N], cq[N];
+    for (int i = 0; i < N; ++i) SinCosArc(q[i] + c.offset[i], &sq[i], &cq[i]);
+    QZ_KIN_UNROLL
+    for (int i = 0; i < N; ++i) {
         const double sa = c.sinAlpha[i], ca = c.cosAlpha[i], a = c.a[i], d = c.d[i];
         const double st = sq[i], ct = cq[i];
         for (int r = 0; r < 3; ++r) {
@@ -53,11 +56,12 @@ void ChainFrames(const QZKinChain &c, const double *q, double *t, double (*z)[3]
     t[15] = 1.0;
 }
 
-void ForwardJacobian(const QZKinChain &c, const double *q, double *j, double *t) {
-    double z[QZ_KIN_MAX_JOINTS][3], p[QZ_KIN_MAX_JOINTS][3];
-    ChainFrames(c, q, t, z, p);
-    const int n = c.jointNum;
+template <int n>
+void FramesAndJacobian(const QZKinChain &c, const double *q, double *j, double *t) {
+    double z[n][3], p[n][3];
+    Frames<n>(c, q, t, z, p);
     const double tip[3] = {t[3], t[7], t[11]};
+    QZ_KIN_UNROLL
     for (int i = 0; i < n; ++i) {
         const double rx = tip[0] - p[i][0], ry = tip[1] - p[i][1], rz = tip[2] - p[i][2];
         const double *zi = z[i];
@@ -68,6 +72,16 @@ void ForwardJacobian(const QZKinChain &c, const double *q, double *j, double *t)
         j[4 * n + i] = zi[1];
         j[5 * n + i] = zi[2];
     }
+}
+
+}  // namespace
+
+void ChainFrames(const QZKinChain &c, const double *q, double *t, double (*z)[3], double (*p)[3]) {
+    QZ_KIN_DISPATCH(c.jointNum, Frames, c, q, t, z, p)
+}
+
+void ForwardJacobian(const QZKinChain &c, const double *q, double *j, double *t) {
+    QZ_KIN_DISPATCH(c.jointNum, FramesAndJacobian, c, q, j, t)
 }
 
 // The rotation block's quaternion is formed as the library's matrix conversion forms it, then

@@ -7,8 +7,25 @@
 #include <cstdint>
 
 #include "QZBaseMath/scalar_inline.h"
-#include "QZMatrix/inverse.h"
 #include "QZKinematics.h"
+
+// For loops whose bounds are fixed by a template's size: unrolled, the kinematics and the
+// factorisations become straight-line code with their operands in registers.
+#define QZ_KIN_UNROLL _Pragma("GCC unroll 8")
+
+// Calls F<n>(args...) for the chain's joint count n, 1..8, so that each size gets its own
+// fully unrolled code.
+#define QZ_KIN_DISPATCH(n, F, ...)         \
+    switch (n) {                           \
+        case 1: return F<1>(__VA_ARGS__);  \
+        case 2: return F<2>(__VA_ARGS__);  \
+        case 3: return F<3>(__VA_ARGS__);  \
+        case 4: return F<4>(__VA_ARGS__);  \
+        case 5: return F<5>(__VA_ARGS__);  \
+        case 6: return F<6>(__VA_ARGS__);  \
+        case 7: return F<7>(__VA_ARGS__);  \
+        default: return F<8>(__VA_ARGS__); \
+    }
 
 namespace qz::detail {
 
@@ -20,18 +37,11 @@ constexpr double kKinMaxStep = 0.5;             // largest joint step of one New
 // x is a number, not NaN or infinite, and |x| <= bound. NaN fails both comparisons.
 inline bool Within(double x, double bound) { return x >= -bound && x <= bound; }
 
-// Every x[i] within the bound; all are tested, two at a time, without a branch per element.
+// Every x[i] within the bound.
 inline bool AllWithin(const double *x, int n, double bound) {
-    const Pair hi = {bound, bound}, lo = -hi;
-    PairMask ok = {-1, -1};
-    int i = 0;
-    for (; i + 1 < n; i += 2) {
-        const Pair v = LoadPair(x + i);
-        ok = ok & (v >= lo) & (v <= hi);
-    }
-    bool all = ok[0] != 0 && ok[1] != 0;
-    if (i < n) all = all && Within(x[i], bound);
-    return all;
+    bool ok = true;
+    for (int i = 0; i < n; ++i) ok = ok & Within(x[i], bound);
+    return ok;
 }
 
 // The chain may be used: initialised with a joint count in range.
@@ -48,7 +58,7 @@ void ForwardJacobian(const QZKinChain &c, const double *q, double *j, double *t)
 void TransformQuat(const double *t, double *quat);
 // Rotation vector from qa to qt; inputs already checked.
 void OrientationError(const double *qt, const double *qa, double *r);
-// The damped solve for a checked Jacobian and twist; report as QZKin_DampedLeastSquares.
+// The damped solve; report and result as QZKin_DampedLeastSquares.
 std::int32_t DampedLeastSquares(const QZKinChain &c, const double *j, const double *v, double *qdot,
                                 double *report);
 
