@@ -4,6 +4,7 @@
 
 #include "QZDT.h"
 #include "QZFLT.h"
+#include "QZKinematics.h"
 #include "QZQuaternions.h"
 #include "qzc.h"
 
@@ -129,10 +130,29 @@ static const qzc_field fields_QZSlerpFactorState[] = {
 RECORD(QZSlerpFactorState);
 
 /* Every record a sequence may work on. */
+/* ---- QZKinematics ---- */
+static const qzc_field fields_QZKinChain[] = {
+    FIELD(QZKinChain, jointNum, 'i', 1),
+    FIELD(QZKinChain, isInit, 'u', 1),
+    FIELD(QZKinChain, alpha, 'd', 8),
+    FIELD(QZKinChain, a, 'd', 8),
+    FIELD(QZKinChain, d, 'd', 8),
+    FIELD(QZKinChain, offset, 'd', 8),
+    FIELD(QZKinChain, sinAlpha, 'd', 8),
+    FIELD(QZKinChain, cosAlpha, 'd', 8),
+    FIELD(QZKinChain, tool, 'd', 16),
+    FIELD(QZKinChain, qMin, 'd', 8),
+    FIELD(QZKinChain, qMax, 'd', 8),
+    FIELD(QZKinChain, lengthScale, 'd', 1),
+    FIELD(QZKinChain, sigmaThreshold, 'd', 1),
+    FIELD(QZKinChain, lambdaMax, 'd', 1),
+};
+RECORD(QZKinChain);
+
 const qzc_record *const qzc_records[] = {
     &qzc_rec_QZVDTState,         &qzc_rec_QZNSyncDTSState, &qzc_rec_QZVDTMState,
     &qzc_rec_QZNEstState,        &qzc_rec_OneFitterState,  &qzc_rec_QZDCTRLErrorState,
     &qzc_rec_QZNSyncDTSMState,   &qzc_rec_QZAVGFState,     &qzc_rec_QZSMVState,
-    &qzc_rec_QZSlerpFactorState,
+    &qzc_rec_QZSlerpFactorState, &qzc_rec_QZKinChain,
 };
 const int qzc_record_count = (int)(sizeof qzc_records / sizeof qzc_records[0]);

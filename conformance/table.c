@@ -5,6 +5,7 @@
 #include "QZBaseMath.h"
 #include "QZDT.h"
 #include "QZFLT.h"
+#include "QZKinematics.h"
 #include "QZMatrix.h"
 #include "QZQuaternions.h"
 #include "qzc.h"
@@ -21,6 +22,7 @@ QZC_DECLARE_RECORD(QZNSyncDTSMState)
 QZC_DECLARE_RECORD(QZAVGFState)
 QZC_DECLARE_RECORD(QZSMVState)
 QZC_DECLARE_RECORD(QZSlerpFactorState)
+QZC_DECLARE_RECORD(QZKinChain)
 
 /* Row-pointer view of a block of cap doubles for counts read from a case (see qzc_rows_n). */
 #define QZC_ROWS(base, rows, cols, cap, slot) qzc_rows_n((base), (rows), (cols), (cap), (slot))
