@@ -48,15 +48,8 @@ struct Case {
 // The arm as a chain: the seven links of arm7.h, the flange as the tool.
 const QZKinChain &Chain() {
     static const QZKinChain chain = [] {
-        double dh[28], tool[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, kArm7Flange.d, 0, 0, 0, 1};
-        for (int i = 0; i < 7; ++i) {
-            dh[4 * i] = kArm7Links[i].alpha;
-            dh[4 * i + 1] = kArm7Links[i].a;
-            dh[4 * i + 2] = kArm7Links[i].d;
-            dh[4 * i + 3] = 0.0;
-        }
         QZKinChain c;
-        if (QZKin_ChainInit(&c, 7, dh, tool, nullptr, nullptr) != QZ_KIN_OK) std::abort();
+        if (arm7_chain(1.0, &c) != QZ_KIN_OK) std::abort();
         return c;
     }();
     return chain;

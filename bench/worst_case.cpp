@@ -35,6 +35,8 @@
 #include <string>
 #include <vector>
 
+#include "../examples/arm7.h"
+
 namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
@@ -331,38 +333,7 @@ Event RandomRotation(long k) {
 // value classes of the schedule and, on a singular event, the elbow stretched.
 QZKinChain arm;
 double joints[7], twist[6], report[2];
-void KinInit() {
-    const double dh[28] = {0,
-                           0,
-                           333,
-                           0,
-                           -1.5707963267948966,
-                           0,
-                           0,
-                           0,
-                           1.5707963267948966,
-                           0,
-                           316,
-                           0,
-                           1.5707963267948966,
-                           82.5,
-                           0,
-                           0,
-                           -1.5707963267948966,
-                           -82.5,
-                           384,
-                           0,
-                           1.5707963267948966,
-                           0,
-                           0,
-                           0,
-                           1.5707963267948966,
-                           88,
-                           0,
-                           0};
-    const double tool[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 107, 0, 0, 0, 1};
-    QZKin_ChainInit(&arm, 7, dh, tool, nullptr, nullptr);
-}
+void KinInit() { arm7_chain(1.0, &arm); }
 Event KinJoints(long k) {
     const Event e = EventAt(k);
     for (double &q : joints) q = Uniform(-2.8, 2.8);

@@ -21,20 +21,11 @@ using namespace qztest;
 
 namespace {
 
-constexpr double kLo[7] = {-2.8973, -1.7628, -2.8973, -3.0718, -2.8973, -0.0175, -2.8973};
-constexpr double kHi[7] = {2.8973, 1.7628, 2.8973, -0.0698, 2.8973, 3.7525, 2.8973};
+const double *const kLo = kArm7Lower, *const kHi = kArm7Upper;
 
-// The arm of arm7.h as a chain, lengths times scale; its flange is the tool.
 QZKinChain Arm(double scale = 1.0) {
-    double dh[28], tool[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
-    for (int i = 0; i < 7; ++i) {
-        const double row[4] = {kArm7Links[i].alpha, scale * kArm7Links[i].a,
-                               scale * kArm7Links[i].d, 0.0};
-        std::copy(row, row + 4, dh + 4 * i);
-    }
-    tool[11] = scale * kArm7Flange.d;
     QZKinChain c;
-    EXPECT_EQ(QZKin_ChainInit(&c, 7, dh, tool, kLo, kHi), QZ_KIN_OK);
+    EXPECT_EQ(arm7_chain(scale, &c), QZ_KIN_OK);
     return c;
 }
 
