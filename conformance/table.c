@@ -9,20 +9,12 @@
 #include "QZMatrix.h"
 #include "QZQuaternions.h"
 #include "qzc.h"
+#include "qzrecords.h"
 
 /* Record layouts (records.c), named qzc_rec_<record type>. */
 #define QZC_DECLARE_RECORD(T) extern const qzc_record qzc_rec_##T;
-QZC_DECLARE_RECORD(QZVDTState)
-QZC_DECLARE_RECORD(QZNSyncDTSState)
-QZC_DECLARE_RECORD(QZVDTMState)
-QZC_DECLARE_RECORD(QZNEstState)
-QZC_DECLARE_RECORD(OneFitterState)
-QZC_DECLARE_RECORD(QZDCTRLErrorState)
-QZC_DECLARE_RECORD(QZNSyncDTSMState)
-QZC_DECLARE_RECORD(QZAVGFState)
-QZC_DECLARE_RECORD(QZSMVState)
-QZC_DECLARE_RECORD(QZSlerpFactorState)
-QZC_DECLARE_RECORD(QZKinChain)
+#define QZC_NO_FIELD(...)
+QZ_RECORDS(QZC_DECLARE_RECORD, QZC_NO_FIELD, QZC_NO_FIELD, QZC_NO_FIELD)
 
 /* Row-pointer view of a block of cap doubles for counts read from a case (see qzc_rows_n). */
 #define QZC_ROWS(base, rows, cols, cap, slot) qzc_rows_n((base), (rows), (cols), (cap), (slot))

@@ -13,36 +13,9 @@
 
 #include "QZMatrix.h"
 #include "QZQuaternions.h"
+#include "arm7.h" /* the arm: an anthropomorphic seven-joint arm, lengths in millimetres */
 
-#define JOINTS 7
-#define HALF_PI 1.5707963267948966
 #define DEG 0.017453292519943295
-
-/* One link: twist alpha (rad) and length a (mm) along the previous x axis, offset d (mm) along
- * the joint's z axis. */
-typedef struct {
-    double alpha, a, d;
-} Link;
-
-/* An anthropomorphic arm: shoulder (joints 1-3), elbow (4), wrist (5-7), with small elbow and
- * wrist offsets, then a flange 107 mm beyond the last joint. Lengths in millimetres. */
-static const Link kArm[JOINTS] = {
-    {0.0, 0.0, 333.0},        {-HALF_PI, 0.0, 0.0}, {HALF_PI, 0.0, 316.0}, {HALF_PI, 82.5, 0.0},
-    {-HALF_PI, -82.5, 384.0}, {HALF_PI, 0.0, 0.0},  {HALF_PI, 88.0, 0.0},
-};
-static const Link kFlange = {0.0, 0.0, 107.0};
-
-/* Flange transform t (16) for joint angles q (radians). */
-static void flange_transform(const double q[JOINTS], double t[16]) {
-    double link[16], next[16];
-    QZ_DH2Matrix(kArm[0].alpha, kArm[0].a, kArm[0].d, q[0], t);
-    for (int i = 1; i <= JOINTS; ++i) {
-        const Link *l = i < JOINTS ? &kArm[i] : &kFlange;
-        QZ_DH2Matrix(l->alpha, l->a, l->d, i < JOINTS ? q[i] : 0.0, link);
-        QZ_MMM44(t, link, next); /* the product must not be written over an input */
-        QZ_MatrixCpy4(next, t);
-    }
-}
 
 static void print_matrix4(const double *t) {
     for (int i = 0; i < 4; ++i)
@@ -51,11 +24,11 @@ static void print_matrix4(const double *t) {
 }
 
 int main(void) {
-    const double qDeg[JOINTS] = {20, -30, 10, -110, 15, 95, 40};
-    double q[JOINTS], t[16], pose[6], posQuat[7], back[16], inv[16];
-    for (int i = 0; i < JOINTS; ++i) q[i] = DEG * qDeg[i];
+    const double qDeg[ARM7_JOINTS] = {20, -30, 10, -110, 15, 95, 40};
+    double q[ARM7_JOINTS], t[16], pose[6], posQuat[7], back[16], inv[16];
+    for (int i = 0; i < ARM7_JOINTS; ++i) q[i] = DEG * qDeg[i];
 
-    flange_transform(q, t);
+    arm7_fk(q, 1.0, t); /* 1.0: millimetres */
     printf("joints [deg]: %g %g %g %g %g %g %g\n", qDeg[0], qDeg[1], qDeg[2], qDeg[3], qDeg[4],
            qDeg[5], qDeg[6]);
     printf("flange transform (row-major, position in the last column, mm):\n");

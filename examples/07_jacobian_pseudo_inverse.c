@@ -15,54 +15,18 @@
 #include <stdio.h>
 
 #include "QZMatrix.h"
+#include "arm7.h" /* the arm of example 06 and its Jacobian, in millimetres */
 
-#define JOINTS 7
-#define HALF_PI 1.5707963267948966
 #define DEG 0.017453292519943295
 
-typedef struct {
-    double alpha, a, d;
-} Link;
-
-/* The arm of example 06 (millimetres). */
-static const Link kArm[JOINTS] = {
-    {0.0, 0.0, 333.0},        {-HALF_PI, 0.0, 0.0}, {HALF_PI, 0.0, 316.0}, {HALF_PI, 82.5, 0.0},
-    {-HALF_PI, -82.5, 384.0}, {HALF_PI, 0.0, 0.0},  {HALF_PI, 88.0, 0.0},
-};
-static const Link kFlange = {0.0, 0.0, 107.0};
-
-/* Geometric Jacobian j (6x7, row-major) and flange transform t (16) for joint angles q (rad). */
-static void jacobian(const double q[JOINTS], double j[42], double t[16]) {
-    double frames[JOINTS][16], link[16], next[16];
-    QZ_DH2Matrix(kArm[0].alpha, kArm[0].a, kArm[0].d, q[0], frames[0]);
-    for (int i = 1; i < JOINTS; ++i) {
-        QZ_DH2Matrix(kArm[i].alpha, kArm[i].a, kArm[i].d, q[i], link);
-        QZ_MMM44(frames[i - 1], link, frames[i]);
-    }
-    QZ_DH2Matrix(kFlange.alpha, kFlange.a, kFlange.d, 0.0, link);
-    QZ_MMM44(frames[JOINTS - 1], link, next);
-    QZ_MatrixCpy4(next, t);
-    const double pFlange[3] = {t[3], t[7], t[11]};
-    for (int i = 0; i < JOINTS; ++i) {
-        const double *f = frames[i];
-        const double z[3] = {f[2], f[6], f[10]}, p[3] = {f[3], f[7], f[11]};
-        double r[3], v[3];
-        QZ_VectSub(pFlange, 3, p, r);
-        QZ_VectCross(z, r, v); /* the cross product must not be written over an input */
-        for (int k = 0; k < 3; ++k) {
-            j[k * JOINTS + i] = v[k];
-            j[(k + 3) * JOINTS + i] = z[k];
-        }
-    }
-}
-
 int main(void) {
-    const double qDeg[JOINTS] = {20, -30, 10, -110, 15, 95, 40};
+    const double qDeg[ARM7_JOINTS] = {20, -30, 10, -110, 15, 95, 40};
     const double twist[6] = {100.0, 0.0, 0.0, 0.0, 0.0, 0.0}; /* mm/s, then rad/s */
-    double q[JOINTS], j[42], jPinv[42], t[16], qdot[JOINTS], achieved[6];
-    for (int i = 0; i < JOINTS; ++i) q[i] = DEG * qDeg[i];
+    double q[ARM7_JOINTS], j[42], jPinv[42], t[16], qdot[ARM7_JOINTS], achieved[6];
+    for (int i = 0; i < ARM7_JOINTS; ++i) q[i] = DEG * qDeg[i];
 
-    jacobian(q, j, t);
+    arm7_jacobian(q, 1.0, j, t); /* scale 1.0: millimetres */
+
     if (!QZ_RightPsoInv67(j, jPinv)) { /* 0: J J^T singular, jPinv not written */
         printf("singular configuration\n");
         return 1;
@@ -71,7 +35,7 @@ int main(void) {
     QZ_Matrix67MultVect7(j, qdot, achieved);
     printf("flange twist wanted: 100 mm/s along base x\n");
     printf("joint velocities [deg/s]:");
-    for (int i = 0; i < JOINTS; ++i) printf(" %.4f", qdot[i] / DEG);
+    for (int i = 0; i < ARM7_JOINTS; ++i) printf(" %.4f", qdot[i] / DEG);
     printf("\n");
     double residual = 0.0;
     for (int k = 0; k < 6; ++k) {
@@ -79,7 +43,7 @@ int main(void) {
         residual += d * d;
     }
     printf("J qdot - twist: residual %.1e, joint speed norm %.4f rad/s\n", QZ_Sqrt(residual),
-           QZ_VectLength(qdot, JOINTS));
+           QZ_VectLength(qdot, ARM7_JOINTS));
 
     /* The same Jacobian in the flange frame: both three-row blocks turned by R^T. */
     double rT[9], jFlange[42], twistFlange[6];
@@ -91,9 +55,9 @@ int main(void) {
 
     /* With every joint at 0 the axes of joints 1, 3 and 5 lie on one vertical line: three
      * columns span only two directions, the Jacobian loses rank and J J^T is singular. */
-    const double qZero[JOINTS] = {0};
+    const double qZero[ARM7_JOINTS] = {0};
     double jZero[42], tZero[16], out[42];
-    jacobian(qZero, jZero, tZero);
+    arm7_jacobian(qZero, 1.0, jZero, tZero);
     const unsigned rc = QZ_RightPsoInv67(jZero, out);
     printf("all joints at 0: flange %.1f mm out and %.1f mm up, QZ_RightPsoInv67 returns %u\n",
            tZero[3], tZero[11], rc);

@@ -1,7 +1,8 @@
 // Example 10: the C++ interface, qzmath.hpp.
 //
 // The seven joints of example 02 move from one pose to another with the N-axis smoothed tracker,
-// owned by a qz::SmoothedTracker<7>; its limit setters say what became of each request. The
+// owned by a qz::SmoothedTracker<7>; its limit setters say what became of each request, and a NaN
+// target for one joint is refused while every joint keeps moving towards its last target. The
 // flange frame of the arm of example 06 is then computed from the joint angles with qz::dh and
 // qz::mul, and printed as an XYZABC pose whose unit is part of its type.
 //
@@ -9,6 +10,7 @@
 #include <qzmath/qzmath.hpp>
 
 #include <cstdio>
+#include <limits>
 
 namespace {
 
@@ -62,8 +64,18 @@ int main() {
             std::printf("at 0.4 s: joint 1 limit 100.05 %s, joint 4 limit 65 %s\n",
                         qz::to_string(report[0]), qz::to_string(report[3]));
         }
-        const auto pva = arm.step_pva(k == 0 ? start : goal);
-        if (!pva) return 1;
+        Joints target = k == 0 ? start : goal;
+        if (k == 200)
+            target[1] =
+                std::numeric_limits<double>::quiet_NaN();  // a sensor fault upstream, for one cycle
+        const auto pva = arm.step_pva(target);
+        if (k == 200)
+            std::printf(
+                "at 0.8 s: a NaN target for joint 2 is refused (%s), the joints keep to "
+                "the goal\n",
+                qz::to_string(pva.status()));
+        else if (!pva)
+            return 1;
         q = pva->pos;
         bool all = true;
         for (std::size_t i = 0; i < kJoints; ++i)
@@ -74,10 +86,10 @@ int main() {
                 settled);
 
     const qz::Mat4 t = Flange(q);
-    const auto pose = qz::pose_xyz<qz::Deg>(t);  // the unit is in the type
+    const qz::PoseXYZ<qz::Deg> pose = *qz::pose_xyz<qz::Deg>(t);  // the unit is in the type
     std::printf("flange XYZABC: %.3f %.3f %.3f mm, A %.3f B %.3f C %.3f deg\n", pose[0], pose[1],
                 pose[2], pose[3], pose[4], pose[5]);
-    const auto back = qz::transform(pose);
+    const qz::Mat4 back = *qz::transform(pose);
     double worst = 0.0;
     for (std::size_t i = 0; i < t.size(); ++i) {
         const double d = back[i] > t[i] ? back[i] - t[i] : t[i] - back[i];

@@ -2,12 +2,12 @@
  * arm7.h: the seven-joint arm of the examples: its modified Denavit-Hartenberg table and joint
  * limits, as a chain of the kinematics module (arm7_chain, for examples 09 to 11, the benchmarks
  * and the kinematics test), and its forward kinematics and geometric Jacobian built by hand from
- * the library's DH link transforms (for the measuring programs of docs/, which set the older
- * route beside the module, and the test that checks them against KDL).
+ * the library's DH link transforms (for examples 06 and 07, the measuring programs of docs/,
+ * which set the older route beside the module, and the test that checks them against KDL).
  *
- * The arm is an anthropomorphic seven-joint arm with small elbow and wrist offsets (the arm of
- * examples 06 and 07), lengths in millimetres. Pass a length scale to work in another unit:
- * 1.0 for millimetres, 0.001 for metres.
+ * The arm is an anthropomorphic seven-joint arm with small elbow and wrist offsets, lengths in
+ * millimetres. Pass a length scale to work in another unit: 1.0 for millimetres, 0.001 for
+ * metres.
  *
  * The Jacobian has the layout the library's Jacobian transforms expect: six rows, one column per
  * joint, row-major (element [i][j] at 7i + j). Rows 0-2 are the linear velocity of the flange

@@ -41,6 +41,7 @@ extern "C" {
 #endif
 
 /* ---- Scalar primitives ------------------------------------------------------------------ */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 /**
  * @brief Square root.
@@ -173,6 +174,7 @@ QZ_API double QZ_Floor(double x);
 QZ_API double QZ_Value_Sig(double x);
 
 /* ---- Polynomial solvers ----------------------------------------------------------------- */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 /* Coefficients come highest degree first (a x^2 + b x + c, ...). Every solver returns the number
  * of roots written to indices 0 .. count-1 and leaves the entries beyond the count as they were;
@@ -302,6 +304,7 @@ QZ_API int32_t QZ_Solve4OrderEqR(double a, double b, double c, double d, double 
 QZ_API double QZ_SolvePolynomialResult(const double *p, double x, int32_t n);
 
 /* ---- Plane geometry and target helpers -------------------------------------------------- */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 /**
  * @brief Exterior angle between sides a and b of a triangle with third side c, in degrees.

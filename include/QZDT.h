@@ -32,6 +32,7 @@ extern "C" {
 #endif
 
 /* ---- Single-axis tracker ---------------------------------------------------------------- */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 /**
  * @brief One axis moved towards its target by a time-optimal law within a velocity and an
@@ -119,6 +120,7 @@ QZ_API uint8_t QZVDT_OnSetRunTimeVel(QZVDTState *s, double velLmt);
 QZ_API uint8_t QZVDT_OnSetRunTimeAcc(QZVDTState *s, double accLmt);
 
 /* ---- N-axis smoothed tracker ------------------------------------------------------------ */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 /**
  * @brief Up to eight axes stepped together, each by its own single-axis tracker, with each raw
@@ -270,6 +272,7 @@ QZ_API uint8_t QZNSyncDTS_OnGetCurPVA_U(const QZNSyncDTSState *s, double *pos, d
                                         double *acc);
 
 /* ---- Multi-stage single-axis tracker ---------------------------------------------------- */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 /**
  * @brief A single-axis tracker (stage 0) followed by three correction stages; the commanded
@@ -333,6 +336,7 @@ QZ_API uint8_t QZVDT_OnDT_BM(QZVDTMState *s, double target, double *out);
 QZ_API uint8_t QZVDT_OnSetRunTimeLmtM(QZVDTMState *s, double velLmt, double accLmt, int32_t mode);
 
 /* ---- N-axis estimator ------------------------------------------------------------------- */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 /**
  * @brief Sample-and-hold of jittery position samples for up to 8 axes, with a measured and a
@@ -416,6 +420,7 @@ QZ_API int32_t QZNEst_OnDT(QZNEstState *s, int32_t stamp, const double *x, doubl
                            const double *r);
 
 /* ---- One-step fitter -------------------------------------------------------------------- */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 /**
  * @brief One-pole low-pass filter on up to eight channels: y = x*alpha + (1 - alpha)*y_prev per
@@ -454,6 +459,7 @@ QZ_API void OneFitterInit(OneFitterState *s, int32_t n, const double *alpha);
 QZ_API int32_t OneFitterRun(OneFitterState *s, const double *x, double *out);
 
 /* ---- Control error comparator ----------------------------------------------------------- */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 #define QZ_DCTRL_SLOTS 8 /**< Slots of the comparator's arrays: the seven joints and one unused. */
 
@@ -503,6 +509,7 @@ QZ_API int32_t QZ_DCTRL_ErrorCompare(int32_t unused, const double *first, const 
                                      QZDCTRLErrorState *s, double *corr);
 
 /* ---- N-axis multi-stage tracker --------------------------------------------------------- */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 /**
  * @brief The N-axis smoothed tracker built on multi-stage trackers.

@@ -22,6 +22,7 @@ extern "C" {
 #endif
 
 /* ---- Averaging filter ------------------------------------------------------------------- */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 /**
  * @brief Moving average over the last avgLen samples of up to eight channels sampled together,
@@ -86,6 +87,7 @@ QZ_API int32_t QZAVGF_OnEmpty(QZAVGFState *s);
 QZ_API int32_t QZAVGF_OnFilt(QZAVGFState *s, const double *x, double *avg, double *dAvg);
 
 /* ---- Smoothed velocity ------------------------------------------------------------------ */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 /**
  * @brief A scalar moved towards a target by a fraction alpha of the remaining distance per

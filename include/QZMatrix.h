@@ -34,6 +34,7 @@ extern "C" {
 #endif
 
 /* ---- Vector operations ------------------------------------------------------------------ */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 /* Fixed sizes n = 2..8 (the suffix is n). Outputs may be the same array as an input. */
 
@@ -259,6 +260,7 @@ QZ_API int32_t QZ_GetVectNormA2B(const double *a, const double *b, double *out);
 QZ_API int32_t QZ_GetVectNormLenA2B(const double *a, const double *b, double *out, double *len);
 
 /* ---- Fixed-size matrix operations ------------------------------------------------------- */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 /* Row-major n-by-n matrices, n = 2..8 (the suffix is n). A product's element [i][j] is the
    running sum over k = 0..n-1 in increasing order, starting with the k = 0 product. Products
@@ -580,6 +582,7 @@ QZ_API void QZ_MatrixMultVectX(double *const *M, int32_t n, int32_t m, const dou
                                double *out);
 
 /* ---- Matrix inversion and determinant --------------------------------------------------- */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 /** @name QZ_MatrixInv2 .. QZ_MatrixInv8 */
 /** @{ */
@@ -626,6 +629,7 @@ QZ_API uint8_t QZ_PGMatrixInv(const double *T, double *Tinv);
 QZ_API double QZ_MatrixDeterminant(const double *A, int32_t n);
 
 /* ---- LUP decomposition ------------------------------------------------------------------ */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 /**
  * @brief LU decomposition with partial pivoting, in place, of an m-by-n row-pointer matrix.
@@ -680,6 +684,7 @@ QZ_API double QZ_MatLUPDet(double *const *LU, int32_t n, const int32_t *P);
 QZ_API void QZ_MatLUPInv(double *const *LU, int32_t n, const int32_t *P, double *const *Inv);
 
 /* ---- Pseudo-inverses -------------------------------------------------------------------- */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 /* Moore-Penrose pseudo-inverses of a seven-joint Jacobian's two shapes by the normal equations:
    the 6-by-6 Gram matrix is inverted as QZ_MatrixInv6 does, with no damping, so it fails once a
@@ -715,6 +720,7 @@ QZ_API uint8_t QZ_LeftPsoInv76(const double *A, double *Apinv);
 QZ_API uint8_t QZ_RightPsoInv67(const double *A, double *Apinv);
 
 /* ---- Cholesky and eigen decomposition --------------------------------------------------- */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 /**
  * @brief Lower Cholesky factor of a symmetric positive definite matrix in 6-by-6 storage.
@@ -846,6 +852,7 @@ QZ_API uint8_t generalized_eig7(double eps, const double *A, const double *B, do
                                 double *lambda);
 
 /* ---- Elementary rotations and Euler angles ---------------------------------------------- */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 /* XYZ (ABC) convention: R = Rz(C) * Ry(B) * Rx(A); extracted A, C in [-pi, pi], B in [-pi/2, pi/2].
  * ZYZ convention: R = Rz(a) * Ry(b) * Rz(c); extracted a, c in [-pi, pi], b in [0, pi].
@@ -1018,6 +1025,7 @@ QZ_API void QZ_XYZMRot(const double *t, double c, double s, double *out);
 QZ_API void QZ_CALC_TRANS_FROM_Rotxyz(const double *abc, double *r);
 
 /* ---- Frame geometry --------------------------------------------------------------------- */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 /**
  * @brief Modified Denavit-Hartenberg link transform, RotX(alpha) * TransX(a) * RotZ(theta) *
@@ -1077,6 +1085,7 @@ QZ_API void QZ_VectAddMV(const double *v, double *const *m, int32_t n, int32_t c
                          const double *x, double *out);
 
 /* ---- Jacobian frame transforms ---------------------------------------------------------- */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 /* A Jacobian is 6 rows by one column per joint, row-major: two stacked 3-vectors, by convention
  * the linear velocity of a reference point (rows 0-2) over the angular velocity (rows 3-5), both

@@ -27,6 +27,7 @@ extern "C" {
 #endif
 
 /* ---- Quaternion algebra ----------------------------------------------------------------- */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 /**
  * @brief Hamilton product out = a (x) b, not normalised.
@@ -90,6 +91,7 @@ QZ_API double QZ_QuaternionAngleDeg(const double *q1, const double *q2);
 QZ_API double QZ_QuaternionAngleArc(const double *q1, const double *q2);
 
 /* ---- Quaternion, matrix and pose conversions -------------------------------------------- */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 /* In this section no output may overlap an input. */
 
@@ -169,6 +171,7 @@ QZ_API void QZ_PosQuat2Matrix(const double *pose, double *m);
 QZ_API uint32_t QZ_XYZABC2XYZQ(double *buf);
 
 /* ---- Quaternion interpolation ----------------------------------------------------------- */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 /**
  * @brief Cached angle of one pair of end quaternions for QZ_QuatSlerpFactor /
@@ -256,6 +259,7 @@ QZ_API void QZ_QuatSlerpFactorL(const double *q1, double *q2, double t, double *
 QZ_API int32_t QZ_QuatSlerpDir(const double *q1, const double *q2, const double *axis);
 
 /* ---- Axis-angle rotations --------------------------------------------------------------- */
+/* What this family does with NaN, infinite, zero, negative and huge values: docs/bad-input.md */
 
 /* A rotation vector is the unit axis times the angle in radians. No output may overlap an
  * input. */

@@ -26,6 +26,7 @@ import hashlib
 import os
 import random
 import re
+import runpy
 import shutil
 import subprocess
 import sys
@@ -254,7 +255,9 @@ def run(args):
                       "-DQZ_BUILD_ROBUSTNESS=ON", "-DQZ_BUILD_BENCH=OFF"])
         if rc != 0:
             sys.exit(out)
-    lib = os.path.join(build, "libQZMath.so.1.0.0")
+    # The real file behind libQZMath.so, named by the project's version.
+    tree_version = runpy.run_path(os.path.join(tree, "python", "qzmath", "_project.py"))
+    lib = os.path.join(build, "libQZMath.so." + tree_version["tree_version"](tree))
 
     def build_lib():
         if os.path.exists(lib):

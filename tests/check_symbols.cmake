@@ -1,6 +1,6 @@
 # Compares the shared library's dynamic symbol table with the public headers, and checks its
 # imports against the real-time promise. Inputs: LIB, STATIC_LIB, INCLUDE_DIR, GEN_INCLUDE_DIR,
-# SRC_DIR, VERSION_NODE, SINCE (abi/since.txt: the functions of a later minor release).
+# SRC_DIR, SINCE (abi/since.txt).
 find_program(NM NAMES nm REQUIRED)
 find_program(READELF NAMES readelf REQUIRED)
 find_program(OBJDUMP NAMES objdump REQUIRED)
@@ -18,23 +18,21 @@ file(GLOB headers ${INCLUDE_DIR}/*.h ${GEN_INCLUDE_DIR}/*.h)
 qz_public_functions(declared ${headers})
 list(LENGTH declared n_declared)
 
-# Functions the library exports, each under the version node of its release: those listed in
-# SINCE as 1.1 under QZMATH_1.1, the others under VERSION_NODE (QZMATH_1.0).
-file(STRINGS ${SINCE} since REGEX "^[A-Za-z_][A-Za-z_0-9]*[ \t]+1\\.1[ \t]*$")
-list(TRANSFORM since REPLACE "[ \t].*" "")
+# Functions the library exports, each under the node of the release that added it (SINCE).
+qz_read_since(since ${SINCE} ${declared})
+foreach(r ${since_RELEASES})
+  foreach(f ${since_${r}})
+    set(node_${f} QZMATH_${r})
+  endforeach()
+endforeach()
 qz_output_lines(lines ${NM} -D --defined-only --with-symbol-versions ${LIB})
 set(exported "")
 foreach(l ${lines})
   if(l MATCHES "^[0-9a-f]+ [TWiV] ([^ @]+)(@*)([^ ]*)$")
     set(name ${CMAKE_MATCH_1})
     list(APPEND exported ${name})
-    list(FIND since ${name} later)
-    set(node ${VERSION_NODE})
-    if(later GREATER -1)
-      set(node QZMATH_1.1)
-    endif()
-    if(NOT CMAKE_MATCH_2 STREQUAL "@@" OR NOT CMAKE_MATCH_3 STREQUAL node)
-      message(SEND_ERROR "${name} is exported as '${CMAKE_MATCH_2}${CMAKE_MATCH_3}', not @@${node}")
+    if(NOT CMAKE_MATCH_2 STREQUAL "@@" OR NOT CMAKE_MATCH_3 STREQUAL "${node_${name}}")
+      message(SEND_ERROR "${name} is exported as '${CMAKE_MATCH_2}${CMAKE_MATCH_3}', not @@${node_${name}}")
     endif()
   elseif(l MATCHES "^[0-9a-f]+ [BDRGS] ([^ ]+)$")
     message(SEND_ERROR "exported data symbol: ${CMAKE_MATCH_1}")

@@ -153,46 +153,46 @@ TEST(CppApi, OrientationsAndPosesGiveTheBitsOfTheirCFunctions) {
     const auto p = qz::normalize(Random<qz::Quat>()).value(),
                q = qz::normalize(Random<qz::Quat>()).value();
     const auto abc = qz::EulerXYZ<qz::Deg>{{20.0, -35.0, 140.0}};
-    const auto t = qz::transform(qz::PoseXYZ<qz::Deg>{{100.0, -20.0, 300.0, 20.0, -35.0, 140.0}});
-    const auto r = qz::rotation(abc);
-    const auto pq = qz::to_posquat(t);
-    const auto prad = qz::pose_xyz<qz::Rad>(t);
-    const auto rv = qz::to_rotvec(r), rw = Random<qz::RotVec>();
+    const auto t = *qz::transform(qz::PoseXYZ<qz::Deg>{{100.0, -20.0, 300.0, 20.0, -35.0, 140.0}});
+    const auto r = *qz::rotation(abc);
+    const auto pq = *qz::to_posquat(t);
+    const auto prad = *qz::pose_xyz<qz::Rad>(t);
+    const auto rv = *qz::to_rotvec(r), rw = Random<qz::RotVec>();
     const auto rz = qz::rot_z(qz::Rad{0.4});
     EXPECT_TRUE(Same(qz::mul(p, q), C(QZ_QuatMult, p, q)));
     EXPECT_TRUE(Same(qz::conjugate(p), C(QZ_QuaternionConjugate, p)));
     EXPECT_TRUE(Same(qz::inverse(q).value(), C(QZ_QuaternionInverse, q)));
-    EXPECT_TRUE(qztest::SameBits(qz::angle<qz::Deg>(p, q).value,
+    EXPECT_TRUE(qztest::SameBits(qz::angle<qz::Deg>(p, q)->value,
                                  QZ_QuaternionAngleDeg(p.data(), q.data())));
-    EXPECT_TRUE(qztest::SameBits(qz::angle<qz::Rad>(p, q).value,
+    EXPECT_TRUE(qztest::SameBits(qz::angle<qz::Rad>(p, q)->value,
                                  QZ_QuaternionAngleArc(p.data(), q.data())));
-    EXPECT_TRUE(Same(qz::slerp_long(p, q, 0.3), C(QZ_QuatSlerpL, p, q, 0.3)));
+    EXPECT_TRUE(Same(*qz::slerp_long(p, q, 0.3), C(QZ_QuatSlerpL, p, q, 0.3)));
     auto qc = q;  // the C slerps may negate their second quaternion in place
     QZSlerpFactorState st{};
     const auto factor =
         C([&](double *out) { QZ_QuatSlerpFactor(p.data(), qc.data(), 0.3, out, &st); });
-    EXPECT_ALL(Same(qz::Slerp(p, q).at(0.3), factor), Same(qz::slerp(p, q, 0.3), factor));
+    EXPECT_ALL(Same(*qz::Slerp(p, q).at(0.3), factor), Same(*qz::slerp(p, q, 0.3), factor));
     EXPECT_TRUE(Same(r, C(QZ_ABC2Matrix3DEG, abc)));
-    EXPECT_TRUE(Same(qz::to_quat(t), C(QZ_Matrix2Quaternion4, t)));
-    EXPECT_TRUE(Same(qz::rotation(p), C(QZ_Quaternion2Matrix3, p)));
+    EXPECT_TRUE(Same(*qz::to_quat(t), C(QZ_Matrix2Quaternion4, t)));
+    EXPECT_TRUE(Same(*qz::rotation(p), C(QZ_Quaternion2Matrix3, p)));
     EXPECT_TRUE(Same(pq, C(QZ_Matrix2PosQuat, t)));
-    EXPECT_TRUE(Same(qz::transform(pq), C(QZ_PosQuat2Matrix, pq)));
+    EXPECT_TRUE(Same(*qz::transform(pq), C(QZ_PosQuat2Matrix, pq)));
     EXPECT_TRUE(Same(qz::rigid_inverse(t), C(QZ_PGMatrixInv, t)));
     // The unit is in the type: the C names of the XYZ extractions carry the opposite unit.
-    EXPECT_TRUE(Same(qz::pose_xyz<qz::Deg>(t), C(QZ_Matrix2XYZABC4ARC_XYZ, t)));
+    EXPECT_TRUE(Same(*qz::pose_xyz<qz::Deg>(t), C(QZ_Matrix2XYZABC4ARC_XYZ, t)));
     EXPECT_TRUE(Same(prad, C(QZ_Matrix2XYZABC4DEG_XYZ, t)));
-    EXPECT_TRUE(Same(qz::transform(prad), C(QZ_XYZABC2Matrix4ARC, prad)));
+    EXPECT_TRUE(Same(*qz::transform(prad), C(QZ_XYZABC2Matrix4ARC, prad)));
     EXPECT_TRUE(Same(qz::pose_zyz<qz::Deg>(t).value(), C(QZ_Matrix2XYZABC4DEG_ZYZ, t)));
     // The singular branch keeps the angles it wrote.
     EXPECT_TRUE(Same(qz::euler_zyz(rz).value(), C(QZ_Matrix2ZYZ, rz)));
-    EXPECT_TRUE(Same(qz::euler_xyz(r), C(QZ_Matrix2XYZ, r)));
+    EXPECT_TRUE(Same(*qz::euler_xyz(r), C(QZ_Matrix2XYZ, r)));
     EXPECT_TRUE(Same(qz::dh(qz::Rad{0.5}, 82.5, 316.0, qz::Rad{-1.2}),
                      C(QZ_DH2Matrix, 0.5, 82.5, 316.0, -1.2)));
     EXPECT_TRUE(qztest::SameBits(qz::sin(qz::to_rad(qz::Deg{35.0})), QZ_SIN_DEG(35.0)));
     EXPECT_TRUE(qztest::SameBits(qz::sin(qz::Deg{35.0}), QZ_SIN_DEG(35.0)));
-    EXPECT_TRUE(Same(qz::compose(rv, rw), C(AngleMult, rv, rw)));
-    EXPECT_TRUE(Same(qz::relative(rv, rw), C(relative_Angle, rv, rw)));
-    EXPECT_TRUE(Same(qz::rotation(rw), C(axis_angle_to_rotmat, rw)));
+    EXPECT_TRUE(Same(*qz::compose(rv, rw), C(AngleMult, rv, rw)));
+    EXPECT_TRUE(Same(*qz::relative(rv, rw), C(relative_Angle, rv, rw)));
+    EXPECT_TRUE(Same(*qz::rotation(rw), C(axis_angle_to_rotmat, rw)));
 }
 
 TEST(CppApi, FailuresComeBackUnderTheirOwnReason) {
@@ -206,8 +206,6 @@ TEST(CppApi, FailuresComeBackUnderTheirOwnReason) {
         {qz::cholesky(indefinite).status(), S::not_positive_definite},
         {qz::euler_zyz(qz::rot_z(qz::Rad{0.4})).status(), S::zyz_singular},
         {qz::pose_zyz<qz::Rad>(qz::identity<4>()).status(), S::zyz_singular},
-        {qz::normalize(qz::Vec3{}).status(), S::zero_length},
-        {qz::inverse(qz::Quat{}).status(), S::zero_length},
         {qz::line_cross({}, {{1, 0, 0}}, {{1, 0, 0}}, {{1, 0, 0}}).status(), S::parallel},
         {qz::eig(indefinite, 0.0).status(), S::failed},
         {qz::inverse(indefinite).status(), S::ok},
@@ -287,19 +285,19 @@ TEST(CppApi, StatefulClassesStepTheirRecordsAsTheCFunctionsDo) {
         const qz::Vec<3> target{{goal, 2 * goal, -goal}};
         const qz::Vec<7> e7{{goal / 5, 0.1, 3, -3}};
         const double g = goal / 10;
-        ASSERT_TRUE(qztest::SameBits(one.step(goal), C(QZVDT_OnDT, &c1, goal)[0])) << k;
-        ASSERT_TRUE(qztest::SameBits(stages.step(goal), C(QZVDT_OnDT_BM, &cStages, goal)[0])) << k;
+        ASSERT_TRUE(qztest::SameBits(*one.step(goal), C(QZVDT_OnDT, &c1, goal)[0])) << k;
+        ASSERT_TRUE(qztest::SameBits(*stages.step(goal), C(QZVDT_OnDT_BM, &cStages, goal)[0])) << k;
         ASSERT_TRUE(Same(arm.step(target).value(), C(QZNSyncDTS_OnDT, &cArm, target))) << k;
-        ASSERT_TRUE(Same(armM.step(target), C(QZNSyncDTS_OnDTM, &cArmM, target))) << k;
+        ASSERT_TRUE(Same(*armM.step(target), C(QZNSyncDTS_OnDTM, &cArmM, target))) << k;
         const auto e =
             C([&](double *out) { QZNEst_OnDT(&cEst, k / 4, target.data(), out, vel.data()); });
-        ASSERT_TRUE(Same(est.step(k / 4, target, vel), e)) << k;
-        ASSERT_TRUE(Same(fitter.update(target), C(OneFitterRun, &cFit, target))) << k;
-        ASSERT_TRUE(Same(cmp.update(z7, e7), C(QZ_DCTRL_ErrorCompare, 0, z7, e7, &cCmp))) << k;
+        ASSERT_TRUE(Same(*est.step(k / 4, target, vel), e)) << k;
+        ASSERT_TRUE(Same(*fitter.update(target), C(OneFitterRun, &cFit, target))) << k;
+        ASSERT_TRUE(Same(*cmp.update(z7, e7), C(QZ_DCTRL_ErrorCompare, 0, z7, e7, &cCmp))) << k;
         QZAVGF_OnFilt(&cAvg, target.data(), a, d);
         const auto av = avg.update(target).value();
         ASSERT_ALL(Same(av.avg, a), Same(av.rate, d)) << k;
-        ASSERT_TRUE(qztest::SameBits(smv.update(g), C(QZSMV_OnUpdateV, &cSmv, g)[0])) << k;
+        ASSERT_TRUE(qztest::SameBits(*smv.update(g), C(QZSMV_OnUpdateV, &cSmv, g)[0])) << k;
     }
 }
 
@@ -313,7 +311,7 @@ TEST(CppApi, EigenViewsShareTheStorage) {
     EXPECT_EQ(qz::eigen::as_qz(m).data(), m.data());
     // Eigen keeps quaternions as x, y, z, w as well: the same rotation, to rounding.
     EXPECT_TRUE(
-        qz::eigen::map(q).toRotationMatrix().isApprox(qz::eigen::map(qz::rotation(q)), 1e-15));
+        qz::eigen::map(q).toRotationMatrix().isApprox(qz::eigen::map(*qz::rotation(q)), 1e-15));
 }
 
 }  // namespace

@@ -107,6 +107,16 @@ QZSMV_OnInit                 I32  QZSMVState* D D D D
 QZSMV_OnUpdateV              void QZSMVState* D D*
 QZSMV_OnUpdateVZO            void QZSMVState* D D* U8* U8*
 QZSMV_OnUpdateZO             void QZSMVState* D U8* U8*
+# QZKinematics
+QZKin_ChainInit              I32  QZKinChain* I32 D* D* D* D*
+QZKin_SetDamping             I32  QZKinChain* D D D
+QZKin_Forward                I32  QZKinChain* D* D*
+QZKin_ForwardPosQuat         I32  QZKinChain* D* D*
+QZKin_Jacobian               I32  QZKinChain* D* D* D*
+QZKin_OrientationError       I32  D* D* D*
+QZKin_DampedLeastSquares     I32  QZKinChain* D* D* D* D*
+QZKin_TrackerLead            I32  QZNSyncDTSState* D* D* D* D*
+QZKin_SolvePosition          I32  QZKinChain* D* D* I32 D D D* D* I32*
 # QZMatrix
 QZ_VectNorm{N}               I32  D*
 QZ_VectCpy{N}                void D* D*
@@ -237,8 +247,22 @@ _SCALARS = {
 _LIB_NAME = "libQZMath.so"
 HERE = os.path.dirname(os.path.abspath(__file__))
 
-# The library version this binding is written for; a library of another major version is refused.
-VERSION = "1.0.0"
+
+
+def _own_version():
+    """This package's version, the project's: recorded at install in qzmath/_version.py, or read
+    from the source tree's CMakeLists.txt when the package is used from the tree; None if neither.
+    """
+    try:
+        from ._version import VERSION as version
+        return version
+    except ImportError:
+        from ._project import tree_version
+        return tree_version(os.path.dirname(os.path.dirname(HERE)))
+
+
+# The version of this binding; a library of another major version is refused.
+VERSION = _own_version()
 
 
 def ctype(code):
@@ -348,6 +372,9 @@ def loaded_path(lib):
 
 def check_version(lib):
     """Raises ImportError unless lib's major version is the binding's; returns 'M.m.p'."""
+    if VERSION is None:
+        raise ImportError("qzmath cannot tell its own version: it has no qzmath/_version.py (written"
+                          " at install) and is not in a source tree with a CMakeLists.txt")
     want = int(VERSION.split(".")[0])
     fn = getattr(lib, "QZ_Version", None)
     if fn is None:

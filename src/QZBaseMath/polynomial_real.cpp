@@ -88,6 +88,28 @@ int32_t CubicRoots(double a, double b, double c, double d, double *roots) {
     return 3;
 }
 
+// The real root of the cubic nearest zero on one side of it: with positive, the smallest root
+// above 0, else the largest root below 0. Roots are taken in CubicRoots' order; the first on the
+// side is kept unless a later one is strictly nearer zero. Returns 0 (out unwritten) when no
+// root lies on that side.
+uint8_t RootNearestZero(double a, double b, double c, double d, bool positive, double *out) {
+    double r[3];
+    const int32_t n = CubicRoots(a, b, c, d, r);
+    bool found = false;
+    double best = 0.0;
+    for (int32_t i = 0; i < n; ++i) {
+        const bool onSide = positive ? r[i] > 0.0 : r[i] < 0.0;
+        const bool nearer = positive ? r[i] < best : r[i] > best;
+        if (onSide && (!found || nearer)) {
+            best = r[i];
+            found = true;
+        }
+    }
+    if (!found) return 0;
+    *out = best;
+    return 1;
+}
+
 }  // namespace
 
 }  // namespace qz::detail
@@ -104,40 +126,12 @@ QZ_API int32_t QZ_CubicSolve(double a, double b, double c, double d, double *roo
     return CubicRoots(a, b, c, d, roots);
 }
 
-// The first positive root in index order is kept unless a later one is strictly smaller.
 QZ_API uint8_t QZ_CubicSolve_Min_Pos(double a, double b, double c, double d, double *out) {
-    double r[3];
-    const int32_t n = CubicRoots(a, b, c, d, r);
-    if (n <= 0) return 0;
-    bool found = false;
-    double best = 0.0;
-    for (int32_t i = 0; i < n; ++i) {
-        if (r[i] > 0.0 && (!found || r[i] < best)) {
-            best = r[i];
-            found = true;
-        }
-    }
-    if (!found) return 0;
-    *out = best;
-    return 1;
+    return RootNearestZero(a, b, c, d, true, out);
 }
 
-// The negative root nearest zero: a later root replaces the kept one only if strictly greater.
 QZ_API uint8_t QZ_CubicSolve_Max_Nag(double a, double b, double c, double d, double *out) {
-    double r[3];
-    const int32_t n = CubicRoots(a, b, c, d, r);
-    if (n <= 0) return 0;
-    bool found = false;
-    double best = 0.0;
-    for (int32_t i = 0; i < n; ++i) {
-        if (r[i] < 0.0 && (!found || r[i] > best)) {
-            best = r[i];
-            found = true;
-        }
-    }
-    if (!found) return 0;
-    *out = best;
-    return 1;
+    return RootNearestZero(a, b, c, d, false, out);
 }
 
 // Degrees 3 and 1 (n = 4 and n = 2) take their own short forms; every other length sums the

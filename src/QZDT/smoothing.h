@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "internal/capacity.h"
+#include "internal/moving_average.h"
 
 namespace qz::detail {
 
@@ -27,6 +28,30 @@ inline void UpdateDerivatives(State *s, int i, double p, double tau) {
     s->acc[i] = (v - s->vel[i]) / tau;
     s->vel[i] = v;
     s->pos[i] = p;
+}
+
+// First step after initialisation or emptying, for both N-axis records: every axis's tracker
+// snaps to its target (stepAxis(i, t, &out[i]) steps it, with whatever the record keeps of t),
+// its ring is filled with the position p reached, so the average starts at rest there, and
+// finishAxis(i, p) sets the record's own fields of that start. Each target is read before its
+// output is written, so out may be the target array.
+template <class State, class StepAxis, class FinishAxis>
+inline void ResetAxes(State *s, const double *target, double *out, StepAxis stepAxis,
+                      FinishAxis finishAxis) {
+    for (int i = 0; i < s->axisNum; ++i) {
+        const double t = target[i];
+        s->target[i] = t;
+        stepAxis(i, t, &out[i]);
+        const double p = out[i];
+        s->pos[i] = p;
+        FillRing(s->ringBuf[i], s->avgLen[i], p);
+        s->avgSum[i] = p * s->avgLenD[i];
+        finishAxis(i, p);
+        s->ringIdx[i] = 0;
+        s->vel[i] = 0.0;
+        s->acc[i] = 0.0;
+    }
+    s->resetPending = 0;
 }
 
 // Readers shared by the two N-axis records: the targets (when asked for) and the smoothed

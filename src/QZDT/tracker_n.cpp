@@ -46,19 +46,9 @@ std::uint8_t SmoothedTrackerInit(QZNSyncDTSState *s, std::int32_t n, double cycl
 // First step after initialisation or emptying: the axis trackers snap to their targets and each
 // ring is filled with that position, so the average starts at rest on it.
 void SmoothedTrackerResetStep(QZNSyncDTSState *s, const double *target, double *out) {
-    for (int i = 0; i < s->axisNum; ++i) {
-        s->target[i] = target[i];
-        VdtStep(&s->axis[i], s->target[i], &out[i]);
-        const double p = out[i];
-        s->pos[i] = p;
-        FillRing(s->ringBuf[i], s->avgLen[i], p);
-        s->avgSum[i] = p * s->avgLenD[i];
-        s->avgResum[i] = p * s->avgLenD[i];
-        s->ringIdx[i] = 0;
-        s->vel[i] = 0.0;
-        s->acc[i] = 0.0;
-    }
-    s->resetPending = 0;
+    ResetAxes(
+        s, target, out, [s](int i, double t, double *o) { VdtStep(&s->axis[i], t, o); },
+        [s](int i, double p) { s->avgResum[i] = p * s->avgLenD[i]; });
 }
 
 std::uint8_t SmoothedTrackerStep(QZNSyncDTSState *s, const double *target, double *out) {

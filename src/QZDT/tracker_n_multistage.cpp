@@ -62,23 +62,19 @@ std::uint8_t MultiStageSmoothedInit(QZNSyncDTSMState *s, std::int32_t n, double 
     return 1;
 }
 
+// First step after initialisation or emptying: as the N-axis tracker's, the previous target and
+// the raw position starting at the target and the position reached.
 void MultiStageSmoothedResetStep(QZNSyncDTSMState *s, const double *target, double *out) {
-    for (int i = 0; i < s->axisNum; ++i) {
-        const double t = target[i];
-        s->target[i] = t;
-        s->prevTarget[i] = t;
-        VdtmStep(&s->axis[i], t, &out[i]);
-        const double p = out[i];
-        s->rawPos[i] = p;
-        s->pos[i] = p;
-        FillRing(s->ringBuf[i], s->avgLen[i], p);
-        s->avgSum[i] = p * s->avgLenD[i];
-        s->resumCount[i] = 0;
-        s->ringIdx[i] = 0;
-        s->vel[i] = 0.0;
-        s->acc[i] = 0.0;
-    }
-    s->resetPending = 0;
+    ResetAxes(
+        s, target, out,
+        [s](int i, double t, double *o) {
+            s->prevTarget[i] = t;
+            VdtmStep(&s->axis[i], t, o);
+        },
+        [s](int i, double p) {
+            s->rawPos[i] = p;
+            s->resumCount[i] = 0;
+        });
 }
 
 // The raw outputs y enter the rings; the smoothed positions go to out.

@@ -19,6 +19,7 @@
 #include <cstdint>
 
 #include "QZBaseMath/scalar_inline.h"
+#include "QZMatrix/euler.h"
 
 namespace qz::detail {
 namespace {
@@ -32,37 +33,6 @@ constexpr double kXyzSingular = 1e-16;
 template <int Stride>
 inline double El(const double *m, int i, int j) {
     return m[Stride * i + j];
-}
-
-// Writes R = Rz(C) * Ry(B) * Rx(A) from the sines and cosines of the three angles into a matrix
-// with the given row stride; only the 3x3 block is written.
-template <int Stride>
-void XyzBlock(double sA, double cA, double sB, double cB, double sC, double cC, double *r) {
-    r[0] = cC * cB;
-    r[1] = cC * sB * sA - sC * cA;
-    r[2] = cC * sB * cA + sC * sA;
-    r[Stride + 0] = sC * cB;
-    r[Stride + 1] = sC * sB * sA + cC * cA;
-    r[Stride + 2] = sC * sB * cA - cC * sA;
-    r[2 * Stride + 0] = -sB;
-    r[2 * Stride + 1] = cB * sA;
-    r[2 * Stride + 2] = cB * cA;
-}
-
-// XYZ rotation of the angle triple abc (radians, or degrees when Deg) into the 3x3 block.
-template <int Stride, bool Deg>
-void XyzFromAngles(const double *abc, double *r) {
-    double sA, cA, sB, cB, sC, cC;
-    if (Deg) {
-        SinCosDeg(abc[0], &sA, &cA);
-        SinCosDeg(abc[1], &sB, &cB);
-        SinCosDeg(abc[2], &sC, &cC);
-    } else {
-        SinCosArc(abc[0], &sA, &cA);
-        SinCosArc(abc[1], &sB, &cB);
-        SinCosArc(abc[2], &sC, &cC);
-    }
-    XyzBlock<Stride>(sA, cA, sB, cB, sC, cC, r);
 }
 
 // Position and bottom row of a transform whose rotation block is already written.
@@ -116,10 +86,9 @@ void XyzAngles(const double *m, double *abc) {
     }
 }
 
-// Transform to pose with ZYZ angles; the singular branch returns before the position is copied
-// and before any unit conversion.
-std::uint32_t PoseZyz(const double *t, double *pose, bool degrees) {
-    if (ZyzAngles<4>(t, pose + 3) == 0) return 0;
+// Pose from a transform whose angles are already in pose[3..5] (radians): the position, then the
+// angles turned into degrees when asked.
+void PoseTail(const double *t, double *pose, bool degrees) {
     pose[0] = t[3];
     pose[1] = t[7];
     pose[2] = t[11];
@@ -128,19 +97,19 @@ std::uint32_t PoseZyz(const double *t, double *pose, bool degrees) {
         pose[4] = pose[4] * kRadToDeg;
         pose[5] = pose[5] * kRadToDeg;
     }
+}
+
+// Transform to pose with ZYZ angles; the singular branch returns before the position is copied
+// and before any unit conversion.
+std::uint32_t PoseZyz(const double *t, double *pose, bool degrees) {
+    if (ZyzAngles<4>(t, pose + 3) == 0) return 0;
+    PoseTail(t, pose, degrees);
     return 1;
 }
 
 std::uint32_t PoseXyz(const double *t, double *pose, bool degrees) {
     XyzAngles<4>(t, pose + 3);
-    pose[0] = t[3];
-    pose[1] = t[7];
-    pose[2] = t[11];
-    if (degrees) {
-        pose[3] = pose[3] * kRadToDeg;
-        pose[4] = pose[4] * kRadToDeg;
-        pose[5] = pose[5] * kRadToDeg;
-    }
+    PoseTail(t, pose, degrees);
     return 1;
 }
 

@@ -5,6 +5,7 @@
 #include "QZQuaternions.h"
 
 #include "QZBaseMath/scalar_inline.h"
+#include "QZMatrix/euler.h"
 #include "QZQuaternions/quaternion.h"
 
 namespace qz::detail {
@@ -70,24 +71,10 @@ QZ_API uint32_t QZ_PosQuat2Matrix_UnNorm(double *pose, double *m) {
 
 QZ_API void QZ_PosQuat2Matrix(const double *pose, double *m) { PoseToTransform(pose, pose + 3, m); }
 
+// The rotation is the XYZ block of the Euler conversions, from the angles in degrees.
 QZ_API uint32_t QZ_XYZABC2XYZQ(double *buf) {
-    const double c = kDegToRad * buf[5];
-    const double sC = SinArc(c), cC = CosArc(c);
-    const double b = kDegToRad * buf[4];
-    const double sB = SinArc(b), cB = CosArc(b);
-    const double a = kDegToRad * buf[3];
-    const double sA = SinArc(a), cA = CosArc(a);
-    const double r[9] = {
-        cC * cB,
-        cC * sB * sA - sC * cA,
-        cC * sB * cA + sC * sA,
-        sC * cB,
-        sC * sB * sA + cC * cA,
-        sC * sB * cA - cC * sA,
-        -sB,
-        cB * sA,
-        cB * cA,
-    };
+    double r[9];
+    XyzFromAngles<3, true>(buf + 3, r);
     double q[4];
     RotationToQuat<3>(r, q);
     const uint32_t ok = QuatNormalize(q);

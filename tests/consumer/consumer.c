@@ -1,5 +1,6 @@
-/* A minimal program built against an installed QZMath: both include forms find the headers, the
- * loaded library is the version the headers describe, and one tracker step moves the axis. */
+/* A minimal program built against QZMath (installed, or in a parent project): both include forms
+ * find the headers, the loaded library is the version the headers describe, and one tracker step
+ * moves the axis. */
 #include <QZDT.h>
 #include <QZVersion.h>
 #include <qzmath/QZDT.h>
