@@ -4,6 +4,7 @@
 // the position IK beside KDL's, and the refusal of bad input.
 #include <QZKinematics.h>
 #include <QZQuaternions.h>
+#include <qzmath/kinematics.hpp>
 
 #include <Eigen/Dense>
 #include <kdl/chainfksolverpos_recursive.hpp>
@@ -348,4 +349,32 @@ TEST(Kinematics, RefusesBadInput) {
     EXPECT_ALL(QZKin_TrackerLead(&s, path, nullptr, out, nullptr) == QZ_KIN_ERR_INPUT,
                QZKin_TrackerLead(&s, lim, path, out, nullptr) == QZ_KIN_ERR_INPUT);
     for (double x : out) EXPECT_EQ(x, 7.0);
+}
+
+// The C++ form gives the C results and names each refusal.
+TEST(Kinematics, CppChainAgreesWithCAndNamesRefusals) {
+    std::array<qz::Link, 7> links;
+    for (int i = 0; i < 7; ++i)
+        links[i] = {{kArm7Links[i].alpha}, kArm7Links[i].a, kArm7Links[i].d, {0.0}};
+    qz::Mat4 tool = {{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, kArm7Flange.d, 0, 0, 0, 1}};
+    qz::Vec<7> lo, hi, q{{0.1, 0.2, 0.3, -1.0, 0.1, 1.0, 0.2}};
+    std::copy(kLo, kLo + 7, lo.begin());
+    std::copy(kHi, kHi + 7, hi.begin());
+    const qz::Chain<7> chain(links, tool, lo, hi);
+    const QZKinChain c = Arm();
+    ASSERT_EQ(chain.status(), qz::Status::ok);
+    EXPECT_EQ(std::memcmp(&chain.record(), &c, sizeof c), 0);
+    const auto jt = chain.jacobian(q);
+    const auto v = chain.solve(jt->j, qz::Vec<6>{{10, 0, 0, 0, 0, 0.1}});
+    const auto ik = chain.solve_position(*chain.pose(q), lo, 2);  // too few steps from the limit
+    EXPECT_ALL(jt.ok(), v.ok(), v->lambda == 0.0, ik.status() == qz::Status::failed,
+               ik->iterations == 2);
+    q[2] = NAN;
+    tool[15] = 2.0;
+    qz::Chain<7> bad(links, tool);
+    EXPECT_ALL(!chain.forward(q).ok() && chain.forward(q).status() == qz::Status::non_finite,
+               bad.status() == qz::Status::bad_argument,
+               bad.set_damping(1, 0.1, 0.1) == qz::Status::not_initialised,
+               qz::orientation_error(qz::Quat{}, qz::Quat{{0, 0, 0, 1}}).status() ==
+                   qz::Status::zero_length);
 }
