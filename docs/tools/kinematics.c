@@ -33,7 +33,8 @@ int main(void) {
     QZKin_SetDamping(&plain, plain.lengthScale, plain.sigmaThreshold, 0.0);
     const double stretch = -(atan(82.5 / 316.0) + atan(82.5 / 384.0));
     const double ds[] = {10, 3, 1, 0.3, 0.1, 0.01, 1e-4, 0};
-    printf("| d (joint 4) | sigma, estimated | lambda | largest joint speed, damped | undamped |\n");
+    printf(
+        "| d (joint 4) | sigma, estimated | lambda | largest joint speed, damped | undamped |\n");
     printf("|---:|---:|---:|---:|---:|\n");
     for (int k = 0; k < (int)(sizeof ds / sizeof ds[0]); ++k) {
         const double q[7] = {20 * DEG, -30 * DEG, 10 * DEG, stretch - ds[k] * DEG,
