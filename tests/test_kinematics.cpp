@@ -116,6 +116,29 @@ TEST(Kinematics, DampedSolverMatchesKdlAwayFromSingularities) {
         EXPECT_LE(std::sqrt(num / den), 1e-9) << n;
     }
     EXPECT_GT(compared, 200);
+
+    // Fewer joints than rows: a planar three-joint arm takes the joint-space form, the weighted
+    // least-squares solution while it keeps its rank.
+    const double planar[12] = {0, 0, 0, 0, 0, 300, 0, 0.3, 0, 250, 0, 0};
+    QZKinChain arm3;
+    ASSERT_EQ(QZKin_ChainInit(&arm3, 3, planar, nullptr, nullptr, nullptr), 1);
+    int undamped = 0;
+    for (int n = 0; n < 20; ++n) {
+        double q[3], j[18], v[6], qdot[3], report[2];
+        for (double &x : q) x = Uniform(rng, -2.5, 2.5);
+        for (double &x : v) x = Uniform(rng, -1.0, 1.0);
+        ASSERT_EQ(QZKin_Jacobian(&arm3, q, j, nullptr), 1);
+        ASSERT_EQ(QZKin_DampedLeastSquares(&arm3, j, v, qdot, report), 1);
+        Eigen::Matrix<double, 6, 3, Eigen::RowMajor> jn(j);
+        Eigen::Matrix<double, 6, 1> vn(v);
+        jn.topRows<3>() /= arm3.lengthScale;
+        vn.head<3>() /= arm3.lengthScale;
+        const Eigen::Vector3d want = jn.colPivHouseholderQr().solve(vn);
+        if (report[1] > 0.0) continue;
+        ++undamped;
+        for (int i = 0; i < 3; ++i) EXPECT_NEAR(qdot[i], want(i), 1e-9 * want.norm());
+    }
+    EXPECT_GT(undamped, 15);
 }
 
 // The estimate never lies below the smallest singular value and stays within a few percent of
@@ -267,32 +290,27 @@ TEST(Kinematics, RefusesBadInput) {
     const QZKinChain c = Arm();
     const double nan = NAN, inf = INFINITY;
     const double good[7] = {0.1, 0.2, 0.3, -1.0, 0.1, 1.0, 0.2};
-    double dh[28] = {}, tool[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    double base[58] = {};  // a table of zeros, the identity tool, the arm's limits
+    for (int k = 0; k < 4; ++k) base[28 + 5 * k] = 1.0;
+    std::copy(kLo, kLo + 7, base + 44);
+    std::copy(kHi, kHi + 7, base + 51);
     QZKinChain untouched;
     std::memset(&untouched, 0x5a, sizeof untouched);
     struct Chain {
         int n, entry;
         double value;
         int32_t rc;
-    } chains[] = {{0, -1, 0, QZ_KIN_ERR_COUNT},     {9, -1, 0, QZ_KIN_ERR_COUNT},
-                  {7, 1, nan, QZ_KIN_ERR_TABLE},    {7, 2, 2e9, QZ_KIN_ERR_TABLE},
-                  {7, 0, 13.0, QZ_KIN_ERR_TABLE},   {7, 103, inf, QZ_KIN_ERR_TOOL},
-                  {7, 115, 0.5, QZ_KIN_ERR_TOOL},   {7, 100, 1.001, QZ_KIN_ERR_TOOL},
-                  {7, 200, nan, QZ_KIN_ERR_LIMITS}, {7, 201, 5.0, QZ_KIN_ERR_LIMITS}};
+    } chains[] = {{0, -1, 0, QZ_KIN_ERR_COUNT},    {9, -1, 0, QZ_KIN_ERR_COUNT},
+                  {7, 1, nan, QZ_KIN_ERR_TABLE},   {7, 2, 2e9, QZ_KIN_ERR_TABLE},
+                  {7, 0, 13.0, QZ_KIN_ERR_TABLE},  {7, 31, inf, QZ_KIN_ERR_TOOL},
+                  {7, 43, 0.5, QZ_KIN_ERR_TOOL},   {7, 28, 1.001, QZ_KIN_ERR_TOOL},
+                  {7, 47, nan, QZ_KIN_ERR_LIMITS}, {7, 47, 5.0, QZ_KIN_ERR_LIMITS}};
     for (const Chain &k : chains) {
-        double d[28], t[16], lo[7], hi[7];
-        std::copy(dh, dh + 28, d);
-        std::copy(tool, tool + 16, t);
-        std::copy(kLo, kLo + 7, lo);
-        std::copy(kHi, kHi + 7, hi);
-        if (k.entry >= 200)
-            lo[3] = k.value;
-        else if (k.entry >= 100)
-            t[k.entry - 100] = k.value;
-        else if (k.entry >= 0)
-            d[k.entry] = k.value;
+        double in[58];
+        std::copy(base, base + 58, in);
+        if (k.entry >= 0) in[k.entry] = k.value;
         QZKinChain out = untouched;
-        EXPECT_EQ(QZKin_ChainInit(&out, k.n, d, t, lo, hi), k.rc) << k.entry;
+        EXPECT_EQ(QZKin_ChainInit(&out, k.n, in, in + 28, in + 44, in + 51), k.rc) << k.entry;
         EXPECT_EQ(std::memcmp(&out, &untouched, sizeof out), 0);
     }
     QZKinChain uninit{}, copy = c;
