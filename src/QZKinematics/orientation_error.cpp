@@ -9,14 +9,15 @@
 // 0 the opposite holds: v is the sum of four products that cancel to something small, and a plain
 // sum would leave an absolute error of about 1e-16, a relative error of 1e-8 for an angle of
 // 1e-8. So each component of v is summed as a compensated dot product: every product is split
-// exactly into a rounded part and its rounding error (Dekker's product, with Veltkamp's split of
-// each component formed once, which needs no fused multiply-add), and the parts are summed with their errors carried along.
+// exactly into a rounded part and its rounding error (Dekker's product, with Veltkamp's split,
+// which needs no fused multiply-add), and the parts are summed with their errors carried along.
 // The result is as accurate as if formed in twice the precision and then rounded, which leaves
 // the angle correct to a few ulps down to angles of about 1e-16 rad.
 #include "QZKinematics.h"
 
 #include "QZBaseMath/scalar_inline.h"
 #include "QZKinematics/kinematics.h"
+#include "QZMatrix/matrix.h"
 
 namespace qz::detail {
 namespace {
@@ -26,39 +27,43 @@ constexpr double kSplit = 134217729.0;  // 2^27 + 1: splits a double into two 26
 constexpr double kQuatMinNorm2 = 1e-16;
 constexpr double kQuatMaxNorm2 = 1e16;
 
-// A double split into a high part of at most 26 significant bits and the exact remainder, so
-// that a product of two high or low parts is exact.
+// A value split into a high part of at most 26 significant bits and the exact remainder, so
+// that a product of two high or low parts is exact. T is a double, or a Pair of two independent
+// lanes that round exactly as two doubles would.
+template <class T>
 struct Split {
-    double v, hi, lo;
+    T v, hi, lo;
 };
 
-inline Split SplitOf(double a) {
-    const double c = kSplit * a, hi = c - (c - a);
+template <class T>
+inline Split<T> SplitOf(T a) {
+    const T c = kSplit * a, hi = c - (c - a);
     return {a, hi, a - hi};
 }
 
-inline Split Neg(Split s) { return {-s.v, -s.hi, -s.lo}; }
-
 // a * b == p + e exactly.
-inline void ExactProduct(const Split &a, const Split &b, double &p, double &e) {
+template <class T>
+inline void ExactProduct(const Split<T> &a, const Split<T> &b, T &p, T &e) {
     p = a.v * b.v;
     e = ((a.hi * b.hi - p) + a.hi * b.lo + a.lo * b.hi) + a.lo * b.lo;
 }
 
 // a + b == s + e exactly.
-inline void ExactSum(double a, double b, double &s, double &e) {
+template <class T>
+inline void ExactSum(T a, T b, T &s, T &e) {
     s = a + b;
-    const double bb = s - a;
+    const T bb = s - a;
     e = (a - (s - bb)) + (b - bb);
 }
 
 // a0 b0 + a1 b1 + a2 b2 + a3 b3, as if in twice the precision, then rounded.
-inline double Dot4(const Split (&a)[4], const Split (&b)[4]) {
-    double sum, err;
-    ExactProduct(a[0], b[0], sum, err);
+template <class T>
+inline T Dot4(const T (&a)[4], const T (&b)[4]) {
+    T sum, err;
+    ExactProduct(SplitOf(a[0]), SplitOf(b[0]), sum, err);
     for (int k = 1; k < 4; ++k) {
-        double h, r, e;
-        ExactProduct(a[k], b[k], h, r);
+        T h, r, e;
+        ExactProduct(SplitOf(a[k]), SplitOf(b[k]), h, r);
         ExactSum(sum, h, sum, e);
         err = err + (e + r);
     }
@@ -73,15 +78,15 @@ bool QuatOk(const double *q) {
 }  // namespace
 
 void OrientationError(const double *qt, const double *qa, double *r) {
-    // Each component is split once; a negated split is exact.
-    const Split xt = SplitOf(qt[0]), yt = SplitOf(qt[1]), zt = SplitOf(qt[2]), wt = SplitOf(qt[3]);
-    const Split xa = SplitOf(qa[0]), ya = SplitOf(qa[1]), za = SplitOf(qa[2]), wa = SplitOf(qa[3]);
-    // v = wa vt - wt va - vt x va, w = wt wa + vt . va
-    const Split nwt = Neg(wt);
-    const Split ax[4] = {wa, nwt, Neg(yt), zt}, bx[4] = {xt, xa, za, ya};
-    const Split ay[4] = {wa, nwt, Neg(zt), xt}, by[4] = {yt, ya, xa, za};
-    const Split az[4] = {wa, nwt, Neg(xt), yt}, bz[4] = {zt, za, ya, xa};
-    double v[3] = {Dot4(ax, bx), Dot4(ay, by), Dot4(az, bz)};
+    const double xt = qt[0], yt = qt[1], zt = qt[2], wt = qt[3];
+    const double xa = qa[0], ya = qa[1], za = qa[2], wa = qa[3];
+    // v = wa vt - wt va - vt x va, w = wt wa + vt . va; x and y side by side in the lanes of a
+    // Pair, z alone.
+    const Pair axy[4] = {{wa, wa}, {-wt, -wt}, {-yt, -zt}, {zt, xt}};
+    const Pair bxy[4] = {{xt, yt}, {xa, ya}, {za, xa}, {ya, za}};
+    const double az[4] = {wa, -wt, -xt, yt}, bz[4] = {zt, za, ya, xa};
+    const Pair vxy = Dot4(axy, bxy);
+    double v[3] = {vxy[0], vxy[1], Dot4(az, bz)};
     double w = qt[3] * qa[3] + qt[0] * qa[0] + qt[1] * qa[1] + qt[2] * qa[2];
     if (w < 0.0) {
         w = -w;
