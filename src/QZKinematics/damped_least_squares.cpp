@@ -105,8 +105,12 @@ void SolveUpper(const double (&l)[K][K], const double *invd, double *x) {
 // Estimated smallest singular value of Jn from the factors of its Gram matrix. The forward half
 // of the solve for rhs runs alongside the estimate's last forward substitution.
 template <int K>
-double SmallestSingular(const double (&l)[K][K], const double *invd, double *rhs) {
-    double x[K];
+double SmallestSingular(const double (&l)[K][K], const double *invd, double top, double *rhs) {
+    // The estimate works on G / top, whose diagonal is at most 1, so that its vectors neither
+    // overflow nor underflow whatever the scale of J; L is the same, D is divided by top.
+    double invs[K], x[K];
+    QZ_KIN_UNROLL
+    for (int i = 0; i < K; ++i) invs[i] = invd[i] * top;
     QZ_KIN_UNROLL
     for (int i = 0; i < K; ++i) {  // y = L^-1 e, each e_i pushing y_i away from zero
         double s = 0.0;
@@ -117,7 +121,7 @@ double SmallestSingular(const double (&l)[K][K], const double *invd, double *rhs
     double mu = 0.0;
     QZ_KIN_UNROLL
     for (int step = 0; step < kRefineSteps; ++step) {
-        SolveUpper<K>(l, invd, x);
+        SolveUpper<K>(l, invs, x);
         double n2 = 0.0;
         QZ_KIN_UNROLL
         for (int i = 0; i < K; ++i) n2 = n2 + x[i] * x[i];
@@ -128,10 +132,10 @@ double SmallestSingular(const double (&l)[K][K], const double *invd, double *rhs
         }
         mu = 0.0;
         QZ_KIN_UNROLL
-        for (int i = 0; i < K; ++i) mu = mu + x[i] * x[i] * invd[i];
+        for (int i = 0; i < K; ++i) mu = mu + x[i] * x[i] * invs[i];
         mu = mu / n2;
     }
-    return 1.0 / Sqrt(mu);
+    return Sqrt(top / mu);
 }
 
 // Why a solve failed: bad input, or a Jacobian that lost rank with no damping to make up for it.
@@ -202,7 +206,8 @@ std::int32_t Dls(const QZKinChain &c, const double *j, const double *v, double *
     const double floor = kPivotFloor * top;
     double l[K][K], invd[K];
     for (int a = 0; a < K; ++a) rhs0[a] = rhs[a];
-    const double sigma = Factor<K>(g, floor, l, invd) ? SmallestSingular<K>(l, invd, rhs) : 0.0;
+    const double sigma =
+        Factor<K>(g, floor, l, invd) ? SmallestSingular<K>(l, invd, top, rhs) : 0.0;
     const double eps = c.sigmaThreshold;
     double lambda = 0.0;
     if (sigma < eps) {
