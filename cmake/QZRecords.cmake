@@ -3,7 +3,7 @@
 #   qzrecords.h  a C list QZ_RECORDS(RECORD, FIELD, EMBED, END) of every record and field, which
 #                the conformance kit's record table and the layout printer expand;
 #   records.py   the Python package's ctypes mirrors (python/qzmath/records.py is this file,
-#                committed; the test records_python_current compares the two).
+#                committed; the test python_mirror_records compares the two).
 # Field kinds: 'd' double, 'i' int32_t, 'u' uint8_t; an array field lists its dimensions.
 
 # Parses the headers. Sets <prefix>_NAMES (records in header order), <prefix>_<R>_HEADER,
@@ -109,7 +109,7 @@ function(qz_write_records dir)
 
   set(py "\"\"\"ctypes mirrors of the library's records, field for field in the C order and types.\n\n")
   string(APPEND py "Written from the C headers by the build (cmake/QZRecords.cmake): do not edit. After a change\n")
-  string(APPEND py "to a record, `cmake --build build --target update_records` rewrites this file.\n\n")
+  string(APPEND py "to a record, `cmake --build build --target update_python_mirrors` rewrites this file.\n\n")
   string(APPEND py "A record is plain data owned by the caller; a fresh ctypes instance is zero-filled, which is\n")
   string(APPEND py "what the library expects of a record before its initialiser runs.\n\"\"\"\n")
   string(APPEND py "import ctypes\n\n_d = ctypes.c_double\n_i = ctypes.c_int32\n_u = ctypes.c_uint8\n")
@@ -149,6 +149,7 @@ function(qz_write_records dir)
   list(JOIN r_NAMES ",\n    " all)
   string(APPEND py "\n\n# Every record, for layout checks and for the prototype table.\n")
   string(APPEND py "RECORDS = {cls.__name__: cls for cls in (\n    ${all},\n)}\n")
+  string(APPEND py "__all__ = [\"RECORDS\"] + list(RECORDS)\n")
   file(CONFIGURE OUTPUT ${dir}/qzrecords.h CONTENT "${c}" @ONLY)
   file(CONFIGURE OUTPUT ${dir}/records.py CONTENT "${py}" @ONLY)
 endfunction()

@@ -68,11 +68,12 @@ check_binary consumer_pc
 
 echo "== the Python binding: python3-qzmath's tests and example, Debian's python3"
 cp -r "$tree/python/tests" "$tree/python/examples" "$work"/
-loaded="$(/usr/bin/python3 -c 'import qzmath; print(qzmath.__file__, qzmath.LIBRARY_PATH)')"
+loaded="$(/usr/bin/python3 -c 'import qzmath as q; print(q.__file__, q.LIBRARY_PATH, q.__version__)')"
 echo "   $loaded"
 case "$loaded" in
-  /usr/lib/python3/dist-packages/qzmath/*" /usr/lib/"*) ;;
-  *) echo "qzmath is not the installed package on the installed library" >&2; exit 1 ;;
+  /usr/lib/python3/dist-packages/qzmath/*" /usr/lib/"*" $(dpkg-deb -f "$pydeb" Version)") ;;
+  *) echo "qzmath is not the installed package, of the package's version, on the installed" \
+          "library" >&2; exit 1 ;;
 esac
 QZMATH_TEST_INSTALLED=1 PYTHONDONTWRITEBYTECODE=1 QZMATH_INCLUDE=/usr/include/qzmath \
   /usr/bin/python3 -m pytest -q -p no:cacheprovider tests | tail -1 | sed 's/^/   /'

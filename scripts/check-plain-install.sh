@@ -16,7 +16,8 @@ for p in GTest Eigen3 GSL orocos_kdl benchmark Python3; do hide+=("-DCMAKE_DISAB
 cmake -S . -B "$work/build" "${hide[@]}" >"$work/configure.log"
 cmake --build "$work/build" -j"$(nproc)" >/dev/null
 cmake --install "$work/build" --prefix "$work/prefix" >/dev/null
-for f in include/qzmath/QZDT.h include/qzmath/QZVersion.h lib/libQZMath.so.1 \
+for f in include/qzmath/QZDT.h include/qzmath/QZVersion.h include/qzmath/qzmath.hpp \
+         include/qzmath/core.hpp include/qzmath/trackers.hpp lib/libQZMath.so.1 \
          lib/cmake/QZMath/QZMathConfig.cmake lib/pkgconfig/qzmath.pc share/doc/qzmath/copyright; do
   [ -e "$work/prefix/$f" ] || { echo "plain install: $f missing" >&2; exit 1; }
 done

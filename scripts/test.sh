@@ -7,6 +7,7 @@ cd "$(dirname "$0")/.."
 bash scripts/setup-debian.sh $QZ_TEST_PACKAGES
 build="${QZ_BUILD_DIR:-build}"
 cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Release -DQZ_BUILD_TESTS=ON -DQZ_BUILD_CONFORMANCE=ON \
-  -DQZ_BUILD_ROBUSTNESS=ON -DQZ_BUILD_BENCH=ON -DQZ_INSTALL_PYTHON=ON "$@" >/dev/null
+  -DQZ_BUILD_ROBUSTNESS=ON -DQZ_BUILD_BENCH=ON -DQZ_INSTALL_PYTHON=ON -DQZ_WARNINGS_AS_ERRORS=ON \
+  "$@" >/dev/null
 cmake --build "$build" -j"$(nproc)"
 (cd "$build" && ctest --output-on-failure -j"$(nproc)" -LE soak)

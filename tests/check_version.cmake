@@ -1,12 +1,15 @@
 # The version lives in project(VERSION) alone. Checks that the Python package spells it nowhere
 # and that every place that reports it says the same: setup.py's metadata, the package's
 # __version__ and the loaded library's QZ_Version. Inputs: VERSION, SOURCE_DIR, LIB, PYTHON.
-file(GLOB_RECURSE files ${SOURCE_DIR}/python/*.py ${SOURCE_DIR}/python/*.toml
-     ${SOURCE_DIR}/python/*.cfg)
+# The package's sources (not what a build or an install wrote beside them, under python/build/).
+file(GLOB files ${SOURCE_DIR}/python/*.py ${SOURCE_DIR}/python/*.toml ${SOURCE_DIR}/python/*.cfg)
+file(GLOB_RECURSE more ${SOURCE_DIR}/python/qzmath/*.py ${SOURCE_DIR}/python/tests/*.py
+     ${SOURCE_DIR}/python/examples/*.py)
+list(APPEND files ${more})
 string(REPLACE "." "[.]" pattern "${VERSION}")
 foreach(f ${files})
   file(STRINGS ${f} hits REGEX "(^|[^0-9.])${pattern}($|[^0-9.])")
-  if(hits AND NOT f MATCHES "/__pycache__/")
+  if(hits)
     message(SEND_ERROR "${f} spells out the version ${VERSION}; take it from project() instead")
   endif()
 endforeach()

@@ -35,7 +35,7 @@ int main() {
            (axis.set_velocity_limit(5.0) == qz::Limit::ignored);
 #ifdef QZ_WITH_EIGEN
     sum += qz::eigen::map(m8)(1, 2) + qz::eigen::map(v7)(3) +
-           qz::eigen::as_qz(qz::eigen::map(j)).size();
+           static_cast<double>(qz::eigen::as_qz(qz::eigen::map(j)).size());
 #endif
     return sum > 0.0;
 #elif QZ_CASE == 1

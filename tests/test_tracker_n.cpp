@@ -13,8 +13,9 @@ namespace {
 
 using qztest::SameBits;
 
-// Reset steps output the targets at rest; the readers respect a pending reset; OnDT2,
-// OnDT_NoChange and an aliased target/output array all give the bits of OnDT.
+// A record never initialised refuses to step or be read; reset steps output the targets at rest;
+// the readers respect a pending reset; OnDT2, OnDT_NoChange and an aliased target/output array
+// all give the bits of OnDT.
 TEST(TrackerN, LifecycleAndStepVariantsAgree) {
     auto rng = qztest::Rng();
     double v[8], a[8], j[8], t[8] = {0, 0, 0, 0, 0, 0, 0, 99}, p[8], p2[8], v2[8], a2[8], pa[8],
@@ -23,6 +24,9 @@ TEST(TrackerN, LifecycleAndStepVariantsAgree) {
         v[i] = qztest::Uniform(rng, 20, 150), a[i] = qztest::Uniform(rng, 20, 900),
         j[i] = qztest::Uniform(rng, 200, 4e4);
     QZNSyncDTSState s[4] = {};  // plain, OnDT2, aliased, OnDT_NoChange
+    QZNSyncDTSMState m = {};
+    EXPECT_ALL(!QZNSyncDTS_OnDT2(&s[0], t, p, v2, a2), !QZNSyncDTS_OnDT_NoChange(&s[0], p),
+               !QZNSyncDTS_OnGetCurPVA(&s[0], tt, p, v2, a2), !QZNSyncDTS_OnDT_UM(&m, p));
     for (auto &r : s) ASSERT_EQ(QZNSyncDTS_OnInit(&r, 7, 4.0, v, a, j), 1);
     EXPECT_EQ(QZNSyncDTS_OnGetCurPVA(&s[0], tt, p, v2, a2), 0);  // a reset is pending
     EXPECT_EQ(QZNSyncDTS_OnGetCurPVA_U(&s[0], p, v2, a2), 1);

@@ -3,6 +3,7 @@
 #include <stdio.h>
 
 #include "QZMatrix.h"
+#include "docs_example.h"
 
 int main(void) {
     const double m[9] = {1, 2, 3, 4, 5, 6, 7, 8, 9};
@@ -14,11 +15,7 @@ int main(void) {
         out[0], out[1], out[2]);
     QZ_XYZABC2Matrix4DEG((const double[]){100, 200, 300, 10, 20, 30}, t);
     printf("QZ_XYZABC2Matrix4DEG((100, 200, 300, 10, 20, 30), T):\n");
-    for (int i = 0; i < 4; ++i) {
-        printf("   ");
-        for (int j = 0; j < 4; ++j) printf(" %10.6g", t[4 * i + j] + 0.0);
-        printf("\n");
-    }
+    PrintTransform(t);
     printf("```\n");
     return 0;
 }

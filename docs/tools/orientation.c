@@ -1,50 +1,18 @@
 /*
- * Checks the statements of docs/orientation-and-jacobians.md: the orientation error as a rotation
- * vector through quaternions against QZ_QuaternionAngleDeg and the matrix route, the Euler
- * extraction ranges at their edges, and the reference point and axes of a geometric Jacobian
- * under QZ_JACOB_TRAN_T67. Built and run by scripts/docs-figures.sh.
+ * Checks the statements of docs/orientation-and-jacobians.md: the Euler extraction ranges at their
+ * edges, and the reference point and axes of a geometric Jacobian under QZ_JACOB_TRAN_T67. Built
+ * and run by scripts/docs-figures.sh. The page's table of the orientation error is printed by
+ * orientation_table.c.
  */
 #include <math.h>
 #include <stdio.h>
 
 #include "QZMatrix.h"
-#include "QZQuaternions.h"
 #include "arm7.h"
-#include "orientation_error.h"
 
 #define DEG 0.017453292519943295
 
-/* Rotation vector r (base axes, rad) that turns the measured orientation qm into the commanded
- * qc: the error quaternion e = qc (x) qm^-1, taken with w >= 0 (the shorter way), is
- * (k sin(phi/2), cos(phi/2)); r = phi k with phi = 2 atan2(|v|, w). */
 int main(void) {
-    /* A measured orientation and commanded ones turned from it by phi about a fixed axis. */
-    double rm[9], qm[4];
-    const double abc[3] = {30, -20, 100}, k[3] = {0.48, -0.6, 0.64};
-    QZ_ABC2Matrix3DEG(abc, rm);
-    QZ_Matrix2Quaternion3(rm, qm);
-    printf("error of an orientation turned by phi about (0.48, -0.6, 0.64), base axes:\n");
-    printf(
-        "     phi [rad] | quaternion route: |r| / phi - 1, axis error | AngleDeg [deg]   | matrix "
-        "route |r|\n");
-    const double phis[] = {1.0, 1e-2, 1e-4, 2.8e-5, 1e-6, 1e-8, 1e-10, 1e-12};
-    for (unsigned i = 0; i < sizeof phis / sizeof phis[0]; ++i) {
-        const double phi = phis[i];
-        double turn[4] = {k[0] * sin(phi / 2), k[1] * sin(phi / 2), k[2] * sin(phi / 2),
-                          cos(phi / 2)};
-        double qc[4], r[3], rc[9], rel[9], rv[3];
-        QZ_QuatMult(turn, qm, qc);
-        orientation_error(qc, qm, r);
-        const double len = QZ_VectLength(r, 3);
-        double axisErr = 0.0;
-        for (int j = 0; j < 3; ++j) axisErr = fmax(axisErr, fabs(r[j] / len - k[j]));
-        QZ_Quaternion2Matrix3(qc, rc);
-        relative_rotation(rm, rc, rel); /* the same error in the measured frame's axes */
-        rotmat_to_axis_angle(rel, rv);
-        printf("  %12.1e | %24.1e %12.1e   | %.10f | %.3e\n", phi, len / phi - 1.0, axisErr,
-               QZ_QuaternionAngleDeg(qc, qm), QZ_VectLength(rv, 3));
-    }
-
     /* Euler extraction at the edges of its ranges. */
     double r[9], a[3];
     const double t1[3] = {0, 120, 0};

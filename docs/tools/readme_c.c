@@ -2,7 +2,7 @@
 #include <stdio.h>
 
 #include "QZDT.h"
-#include "show_source.h"
+#include "docs_example.h"
 
 int main(void) {
     ShowSource(__FILE__, "c", "#include <QZDT.h>\n\n");

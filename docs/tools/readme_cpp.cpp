@@ -1,13 +1,14 @@
 // The README's C++ example: a tracker and an inverse through qzmath.hpp, its code and what it
 // prints.
+#include <cmath>
 #include <cstdio>
-#include <limits>
 
+#include "docs_example.h"
 #include "qzmath/qzmath.hpp"
-#include "show_source.h"
 
 int main() {
-    ShowSource(__FILE__, "cpp", "#include <qzmath/qzmath.hpp>\n\n");
+    ShowSource(__FILE__, "cpp",
+               "#include <cmath>\n#include <cstdio>\n#include <qzmath/qzmath.hpp>\n\n");
     std::printf("\nwhich prints:\n\n```\n");
     // example begin
     qz::Tracker axis(1.0, 200.0, 1000.0);  // QZVDT_OnInit on a record it owns
@@ -16,12 +17,11 @@ int main() {
         if (k == 100 && axis.set_velocity_limit(80.0) == qz::Limit::ramping) {
             std::puts("faster than 80 now: ramping down at 1000 units/s^2 before 80 holds");
         }
-        const double nan = std::numeric_limits<double>::quiet_NaN();
-        const double target = k == 500 ? nan : 10.0;  // one NaN from upstream
-        const auto step = axis.step(target);          // the commanded position, whatever the status
-        if (!step)
-            std::printf("cycle %d: %s, still moving towards 10\n", k, qz::to_string(step.status()));
-        cmd = step.value();
+        const qz::Result<double> r = axis.step(k == 500 ? std::nan("") : 10.0);
+        if (!r)
+            std::printf("cycle %d: %s refused, still heading for 10\n", k,
+                        qz::to_string(r.status()));
+        cmd = r.value();
     }
     std::printf("after 2 s: %.17g\n", cmd);
 

@@ -1,55 +1,16 @@
 /*
  * Measures how the trackers follow a moving target, for docs/streaming.md: the lag behind a
- * constant-speed ramp against the speed and the limits, the ways of feeding a target, and what a
- * limit change or a target jump does in the middle of a move. Built and run by
- * scripts/docs-figures.sh, which also plots the CSV it writes (argument 1) into
- * docs/streaming_lag.png.
+ * constant-speed ramp against the speed for three limits (the CSV of argument 1), the ways of
+ * feeding a target, and what a limit change or a target jump does in the middle of a move. Built
+ * and run by scripts/docs-figures.sh, which also plots the CSV into docs/streaming_lag.png. The
+ * page's lag table is printed by streaming_table.c.
  */
 #include <math.h>
 #include <stdio.h>
 #include <string.h>
 
 #include "QZDT.h"
-
-#define LAW_STEP 0.01 /* the switching law's fixed look-ahead h (s), QZVDTState.lawStep */
-
-/* Steady lag (s) of the single-axis tracker behind a ramp of speed v: the output at a cycle
- * trails that cycle's target by v * lag. avgLen adds (avgLen - 1) / 2 cycles for the N-axis
- * tracker (pass 1 for the single-axis one). */
-static double lag_formula(double v, double acc, double dt, int avgLen) {
-    const double ah = acc * LAW_STEP;
-    const double vv = fabs(v) > ah ? fabs(v) : ah;
-    return (vv + ah) / (2.0 * acc) + LAW_STEP - dt + 0.5 * (avgLen - 1) * dt;
-}
-
-/* Kinds of tracker measured. */
-enum { PLAIN, NAXIS, NAXIS_M1, NAXIS_M0 };
-
-/* Lag (ms) of one tracker behind a ramp of speed v, measured after `seconds` of ramp. */
-static double measure_lag(int kind, double v, double acc, double jerk, double cycleMs,
-                          double seconds) {
-    static QZVDTState s;
-    static QZNSyncDTSState n;
-    static QZNSyncDTSMState m;
-    const double vel = 10.0, dt = cycleMs / 1000.0;
-    double jl = jerk, out = 0.0;
-    memset(&s, 0, sizeof s);
-    memset(&n, 0, sizeof n);
-    memset(&m, 0, sizeof m);
-    if (kind == PLAIN) QZVDT_OnInit(&s, cycleMs, vel, acc);
-    if (kind == NAXIS) QZNSyncDTS_OnInit(&n, 1, cycleMs, &vel, &acc, &jl);
-    if (kind == NAXIS_M1) QZNSyncDTS_OnInitM(&m, 1, cycleMs, &vel, &acc, &jl, 1);
-    if (kind == NAXIS_M0) QZNSyncDTS_OnInitM(&m, 1, cycleMs, &vel, &acc, &jl, 0);
-    const long cycles = (long)(seconds / dt + 0.5);
-    double target = 0.0;
-    for (long k = 0; k <= cycles; ++k) {
-        target = v * (double)k * dt; /* absolute target of this cycle */
-        if (kind == PLAIN) QZVDT_OnDT(&s, target, &out);
-        if (kind == NAXIS) QZNSyncDTS_OnDT(&n, &target, &out);
-        if (kind >= NAXIS_M1) QZNSyncDTS_OnDTM(&m, &target, &out);
-    }
-    return 1000.0 * (target - out) / v;
-}
+#include "lag.h"
 
 /* A path that accelerates at pathAcc to speed v, cruises, and stops at `dist`, fed to one N-axis
  * axis (A acc, span avgLen from jerk) every cycle as an absolute target, with or without the
@@ -97,23 +58,6 @@ static double follow_path(double v, double pathAcc, double dist, double acc, dou
 }
 
 int main(int argc, char **argv) {
-    const double speeds[] = {0.05, 0.075, 0.1, 0.3, 0.5, 1.0, 2.0};
-    printf("lag behind a ramp [ms], A = 7.5 units/s^2 (jerk 3750: span 3 at 1 ms; 375: span 20)\n");
-    printf(
-        "  speed | single 1 ms  formula | single 4 ms  formula | N-axis span 3  span 20  "
-        "formula(20)"
-        " | multi-stage mode 1  mode 0 (jerk clamped to 1000: span 7)\n");
-    for (unsigned i = 0; i < sizeof speeds / sizeof speeds[0]; ++i) {
-        const double v = speeds[i];
-        printf("  %5.3f | %11.2f %8.2f | %11.2f %8.2f | %13.2f %8.2f %12.2f | %18.2f %7.2f\n", v,
-               measure_lag(PLAIN, v, 7.5, 3750, 1.0, 6.0), 1000 * lag_formula(v, 7.5, 0.001, 1),
-               measure_lag(PLAIN, v, 7.5, 3750, 4.0, 6.0), 1000 * lag_formula(v, 7.5, 0.004, 1),
-               measure_lag(NAXIS, v, 7.5, 3750, 1.0, 6.0),
-               measure_lag(NAXIS, v, 7.5, 375, 1.0, 6.0), 1000 * lag_formula(v, 7.5, 0.001, 20),
-               measure_lag(NAXIS_M1, v, 7.5, 3750, 1.0, 6.0),
-               measure_lag(NAXIS_M0, v, 7.5, 375, 1.0, 6.0));
-    }
-
     /* Plot data: lag of the single-axis tracker at 1 ms against speed for three limits. */
     if (argc > 1) {
         FILE *f = fopen(argv[1], "w");

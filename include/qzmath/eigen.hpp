@@ -49,7 +49,9 @@ inline Eigen::Map<const Eigen::Quaterniond> map(const Quat &q) noexcept {
 }
 
 // The qz values share their layout with these Eigen objects (a standard-layout array of double
-// against Eigen's plain array of coefficients), so the coefficients are used in place.
+// against Eigen's plain array of coefficients), so the coefficients are used in place: the casts
+// below view one storage as the other type and copy nothing.
+// NOLINTBEGIN(cppcoreguidelines-pro-type-reinterpret-cast,cppcoreguidelines-pro-type-const-cast)
 template <int R, int C, int O>
 Mat<R, C> &as_qz(Eigen::Matrix<double, R, C, O> &m) noexcept {
     static_assert(R > 1 && C > 1 && (O & Eigen::RowMajor),
@@ -86,6 +88,7 @@ inline Quat &as_qz(Eigen::Quaterniond &q) noexcept {
 inline const Quat &as_qz(const Eigen::Quaterniond &q) noexcept {
     return *reinterpret_cast<const Quat *>(q.coeffs().data());
 }
+// NOLINTEND(cppcoreguidelines-pro-type-reinterpret-cast,cppcoreguidelines-pro-type-const-cast)
 
 }  // namespace qz::eigen
 

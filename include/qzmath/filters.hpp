@@ -42,7 +42,7 @@ class AveragingFilter {
     }
     // The next update starts the window afresh from its sample.
     [[nodiscard]] Status restart() noexcept {
-        return QZAVGF_OnEmpty(&s_) ? Status::ok : Status::not_initialised;
+        return QZAVGF_OnEmpty(&s_) != 0 ? Status::ok : Status::not_initialised;
     }
     const QZAVGFState &record() const noexcept { return s_; }
 

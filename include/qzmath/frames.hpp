@@ -49,7 +49,7 @@ struct JacobianRotate<7> {
                                              Vec3 d2) noexcept {
     if (!detail::all_finite(p1, d1, p2, d2)) return {Vec3{}, Status::non_finite};
     Result<Vec3> x{Result<Vec3>::Unwritten{}};
-    if (!QZ_LineCross(p1.data(), d1.data(), p2.data(), d2.data(), x.value().data()))
+    if (QZ_LineCross(p1.data(), d1.data(), p2.data(), d2.data(), x.value().data()) == 0)
         x.fail(Status::parallel, true);
     return x;
 }

@@ -28,18 +28,18 @@ struct Square {
     static constexpr Binary mult = nullptr;
     static constexpr Binary add = nullptr;
     static constexpr Unary transpose = nullptr;
-    static constexpr void (*identity)(double *) = nullptr;
+    static constexpr Fill identity = nullptr;
     static constexpr Flag8 inv = nullptr;
 };
-#define QZ_CPP_SQUARE_SIZE(N)                                                \
-    template <>                                                              \
-    struct Square<N> {                                                       \
-        static constexpr bool available = true;                              \
-        static constexpr Binary mult = &QZ_MatrixMult##N;                    \
-        static constexpr Binary add = &QZ_MatrixAdd##N;                      \
-        static constexpr Unary transpose = &QZ_MatrixTranspose##N;           \
-        static constexpr void (*identity)(double *) = &QZ_MatrixIdentity##N; \
-        static constexpr Flag8 inv = &QZ_MatrixInv##N;                       \
+#define QZ_CPP_SQUARE_SIZE(N)                                      \
+    template <>                                                    \
+    struct Square<N> {                                             \
+        static constexpr bool available = true;                    \
+        static constexpr Binary mult = &QZ_MatrixMult##N;          \
+        static constexpr Binary add = &QZ_MatrixAdd##N;            \
+        static constexpr Unary transpose = &QZ_MatrixTranspose##N; \
+        static constexpr Fill identity = &QZ_MatrixIdentity##N;    \
+        static constexpr Flag8 inv = &QZ_MatrixInv##N;             \
     };
 QZ_CPP_SQUARE_SIZE(2)
 QZ_CPP_SQUARE_SIZE(3)
@@ -76,7 +76,7 @@ struct MatVec {
     template <>                                 \
     struct MatVec<R, C> {                       \
         static constexpr bool available = true; \
-        static constexpr Binary fn = &F;        \
+        static constexpr Binary fn = &(F);      \
     };
 QZ_CPP_MATVEC(3, 3, QZ_MatrixMultVect3)
 QZ_CPP_MATVEC(4, 4, QZ_MatrixMultVect4)
@@ -227,9 +227,12 @@ template <std::size_t R, std::size_t C>
 [[nodiscard]] Result<Mat<R, C>> inverse(const Mat<R, C> &a) noexcept {
     static_assert(R == C && detail::Square<R>::available,
                   "qz::inverse: the library inverts square matrices of sizes 2 to 8 only");
-    if (!detail::all_finite(a)) return {Mat<R, C>{}, Status::non_finite};
+    // One result object on every path, so that it is built in place.
     Result<Mat<R, C>> r{typename Result<Mat<R, C>>::Unwritten{}};
-    if (!detail::Square<R>::inv(a.data(), r.value().data())) r.fail(Status::singular, true);
+    if (!detail::all_finite(a))
+        r.fail(Status::non_finite, true);
+    else if (!detail::Square<R>::inv(a.data(), r.value().data()))
+        r.fail(Status::singular, true);
     return r;
 }
 // Inverse of a rigid transform in closed form (rotation transposed); T's last row is not read.
@@ -252,9 +255,10 @@ template <std::size_t R, std::size_t C>
 [[nodiscard]] Result<Mat<C, R>> pinv(const Mat<R, C> &a) noexcept {
     static_assert(detail::PseudoInverse<R, C>::available,
                   "qz::pinv: the library has pseudo-inverses of 6x7 and 7x6 matrices only");
-    if (!detail::all_finite(a)) return {Mat<C, R>{}, Status::non_finite};
     Result<Mat<C, R>> r{typename Result<Mat<C, R>>::Unwritten{}};
-    if (!detail::PseudoInverse<R, C>::fn(a.data(), r.value().data()))
+    if (!detail::all_finite(a))
+        r.fail(Status::non_finite, true);
+    else if (!detail::PseudoInverse<R, C>::fn(a.data(), r.value().data()))
         r.fail(Status::singular, true);
     return r;
 }

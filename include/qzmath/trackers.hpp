@@ -8,9 +8,10 @@
 // Each class owns its C record: construction initialises it, step or update advances one cycle,
 // and record() shows it to the C API as it is. The classes are copyable values without heap.
 //
-// Every tracker has the same five operations, each returning what the cycle produced:
-//   step(target)            one cycle towards target: Result<position>
-//   step_to_last_target()   one cycle towards the last accepted target: Result<position>
+// Every tracker has the same operations, with the same signatures (P is double for one axis,
+// Vec<N> for N):
+//   step(target)            one cycle towards target: Result<P>, the commanded position
+//   step_to_last_target()   one cycle towards the last accepted target: Result<P>
 //   reset_to(position)      the axis stands at position, at rest, from here on: Status
 //   jump_to_next_target()   the next step outputs its target itself: Status
 //   set_limits(vel, acc)    run-time limits: Limit (per axis: LimitReport)
@@ -26,6 +27,7 @@
 #ifndef QZMATH_TRACKERS_HPP
 #define QZMATH_TRACKERS_HPP
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -55,9 +57,7 @@ constexpr bool cycle_clamped(double cycleMs) noexcept {
 inline bool usable(double x) noexcept { return std::isfinite(x) && x > 0.0; }
 template <std::size_t N>
 bool usable(const std::array<double, N> &v) noexcept {
-    for (double x : v)
-        if (!usable(x)) return false;
-    return true;
+    return std::all_of(v.begin(), v.end(), [](double x) { return usable(x); });
 }
 // A run-time acceleration limit within the initialiser's range; clamped says it was not.
 inline double run_time_acc(double acc, bool &clamped) noexcept {
@@ -86,13 +86,13 @@ inline LimitFields limit_fields(const QZVDTState &s) noexcept {
 // request had to be brought into range first.
 inline Limit limit_outcome(const LimitFields &before, const QZVDTState &after,
                            bool clamped = false) noexcept {
-    if (!before.isInit) return Limit::refused;
+    if (before.isInit == 0) return Limit::refused;
     if (clamped) return Limit::clamped;
     const LimitFields now = limit_fields(after);
     if (now.acc == before.acc && now.vel == before.vel && now.target == before.target &&
         now.pending == before.pending)
         return Limit::ignored;
-    return after.velLmtPending ? Limit::ramping : Limit::applied;
+    return after.velLmtPending != 0 ? Limit::ramping : Limit::applied;
 }
 // Screens an N-axis run-time request: every value usable, accelerations clamped into range.
 // With any axis unusable nothing is changed: those axes report invalid and the others ignored.
@@ -109,15 +109,19 @@ bool screen_limits(const Vec<N> *vel, Vec<N> *acc, std::array<bool, N> &clamped,
     }
     return ok;
 }
-// The targets a step may take: target, with each NaN or infinite element replaced by the last
-// accepted one. all_finite says whether any was replaced.
-template <std::size_t N>
-Vec<N> accepted_targets(const Vec<N> &target, const double *last, bool &all_finite) noexcept {
+// One step of an N-axis record through call, towards target with each NaN or infinite element
+// replaced by the record's last accepted target. A step that cannot be taken (the record not
+// initialised, or a bad element before any target was accepted) leaves the record as it is.
+template <std::size_t N, class Record, class Call>
+Status step_accepted(const Record &s, const Vec<N> &target, Call call) noexcept {
+    if (!s.isInit) return Status::not_initialised;
     Vec<N> t = target;
-    all_finite = true;
+    bool allFinite = true;
     for (std::size_t i = 0; i < N; ++i)
-        if (!std::isfinite(t[i])) t[i] = last[i], all_finite = false;
-    return t;
+        if (!std::isfinite(t[i])) t[i] = s.target[i], allFinite = false;
+    if (!allFinite && s.resetPending) return Status::non_finite;
+    call(t.data());
+    return allFinite ? Status::ok : Status::non_finite;
 }
 template <std::size_t N>
 Vec<N> first_n(const double *v) noexcept {
@@ -138,14 +142,14 @@ class Tracker {
     }
     // bad_argument when the constructor refused its cycle time or limits.
     [[nodiscard]] Status status() const noexcept {
-        return s_.isInit ? Status::ok : Status::bad_argument;
+        return s_.isInit != 0 ? Status::ok : Status::bad_argument;
     }
     // invalid, clamped (cycle time or limits brought into range) or applied.
     [[nodiscard]] Limit init_limits() const noexcept { return init_; }
     // One cycle towards target: the new commanded position. The first step after construction or
     // jump_to_next_target() outputs the target itself.
     [[nodiscard]] Result<double> step(double target) noexcept {
-        if (!s_.isInit) return {s_.pos, Status::not_initialised};
+        if (s_.isInit == 0) return {s_.pos, Status::not_initialised};
         if (std::isfinite(target)) {
             target_ = target;
             return advance();
@@ -155,13 +159,13 @@ class Tracker {
     }
     // One cycle towards the last accepted target; reset_pending (position held) before there is one.
     [[nodiscard]] Result<double> step_to_last_target() noexcept {
-        if (!s_.isInit) return {s_.pos, Status::not_initialised};
-        if (s_.resetPending) return {s_.pos, Status::reset_pending};
+        if (s_.isInit == 0) return {s_.pos, Status::not_initialised};
+        if (s_.resetPending != 0) return {s_.pos, Status::reset_pending};
         return advance();
     }
     // The axis stands at position, at rest; the next step moves from there.
     [[nodiscard]] Status reset_to(double position) noexcept {
-        if (!s_.isInit) return Status::not_initialised;
+        if (s_.isInit == 0) return Status::not_initialised;
         if (!std::isfinite(position)) return Status::non_finite;
         (void)QZVDT_OnEmpty(&s_);
         target_ = position;
@@ -170,10 +174,10 @@ class Tracker {
     }
     // The next step outputs its target itself, at rest (after the axis was moved by other means).
     [[nodiscard]] Status jump_to_next_target() noexcept {
-        return QZVDT_OnEmpty(&s_) ? Status::ok : Status::not_initialised;
+        return QZVDT_OnEmpty(&s_) != 0 ? Status::ok : Status::not_initialised;
     }
     [[nodiscard]] Limit set_limits(double velLmt, double accLmt) noexcept {
-        if (!s_.isInit) return Limit::refused;
+        if (s_.isInit == 0) return Limit::refused;
         if (!detail::usable(velLmt) || !detail::usable(accLmt)) return Limit::invalid;
         bool clamped = false;
         const double acc = detail::run_time_acc(accLmt, clamped);
@@ -182,14 +186,14 @@ class Tracker {
         return detail::limit_outcome(before, s_, clamped);
     }
     [[nodiscard]] Limit set_velocity_limit(double velLmt) noexcept {
-        if (!s_.isInit) return Limit::refused;
+        if (s_.isInit == 0) return Limit::refused;
         if (!detail::usable(velLmt)) return Limit::invalid;
         const auto before = detail::limit_fields(s_);
         (void)QZVDT_OnSetRunTimeVel(&s_, velLmt);
         return detail::limit_outcome(before, s_);
     }
     [[nodiscard]] Limit set_acceleration_limit(double accLmt) noexcept {
-        if (!s_.isInit) return Limit::refused;
+        if (s_.isInit == 0) return Limit::refused;
         if (!detail::usable(accLmt)) return Limit::invalid;
         bool clamped = false;
         const double acc = detail::run_time_acc(accLmt, clamped);
@@ -228,12 +232,12 @@ class MultiStageTracker {
         s_.mode = mode;  // the initialiser leaves the mode to the caller
     }
     [[nodiscard]] Status status() const noexcept {
-        return s_.stage[0].isInit ? Status::ok : Status::bad_argument;
+        return s_.stage[0].isInit != 0 ? Status::ok : Status::bad_argument;
     }
     [[nodiscard]] Limit init_limits() const noexcept { return init_; }
     // As Tracker::step, the commanded position being the sum of the four stages.
     [[nodiscard]] Result<double> step(double target) noexcept {
-        if (!s_.stage[0].isInit) return {position(), Status::not_initialised};
+        if (s_.stage[0].isInit == 0) return {position(), Status::not_initialised};
         if (std::isfinite(target)) {
             target_ = target;
             return advance();
@@ -242,12 +246,12 @@ class MultiStageTracker {
         return {r.value(), Status::non_finite};
     }
     [[nodiscard]] Result<double> step_to_last_target() noexcept {
-        if (!s_.stage[0].isInit) return {position(), Status::not_initialised};
-        if (s_.stage[0].resetPending) return {position(), Status::reset_pending};
+        if (s_.stage[0].isInit == 0) return {position(), Status::not_initialised};
+        if (s_.stage[0].resetPending != 0) return {position(), Status::reset_pending};
         return advance();
     }
     [[nodiscard]] Status reset_to(double position) noexcept {
-        if (!s_.stage[0].isInit) return Status::not_initialised;
+        if (s_.stage[0].isInit == 0) return Status::not_initialised;
         if (!std::isfinite(position)) return Status::non_finite;
         (void)QZVDT_OnEmptyM(&s_);
         target_ = position;
@@ -255,13 +259,13 @@ class MultiStageTracker {
         return Status::ok;
     }
     [[nodiscard]] Status jump_to_next_target() noexcept {
-        if (!s_.stage[0].isInit) return Status::not_initialised;
+        if (s_.stage[0].isInit == 0) return Status::not_initialised;
         (void)QZVDT_OnEmptyM(&s_);
         return Status::ok;
     }
     // Reports what became of the main stage's request; an unusable value changes nothing.
     [[nodiscard]] Limit set_limits(double velLmt, double accLmt) noexcept {
-        if (!s_.stage[0].isInit) return Limit::refused;
+        if (s_.stage[0].isInit == 0) return Limit::refused;
         if (!detail::usable(velLmt) || !detail::usable(accLmt)) return Limit::invalid;
         bool clamped = false;
         const double acc = detail::run_time_acc(accLmt, clamped);
@@ -320,36 +324,36 @@ class SmoothedTracker {
     // bad_argument when a cycle time or limit was unusable or a jerk limit lay outside [1, 1e12]:
     // the record is then left uninitialised.
     [[nodiscard]] Status status() const noexcept {
-        return s_.isInit ? Status::ok : Status::bad_argument;
+        return s_.isInit != 0 ? Status::ok : Status::bad_argument;
     }
     [[nodiscard]] const LimitReport<N> &init_limits() const noexcept { return init_; }
     // One cycle towards target: the smoothed positions. The first step after construction or
     // jump_to_next_target() outputs the targets.
     [[nodiscard]] Result<Vec<N>> step(const Vec<N> &target) noexcept {
-        const Result<PVA<N>> r = step_pva(target);
-        return {r.value().pos, r.status()};
+        Vec<N> pos = detail::first_n<N>(s_.pos);
+        const Status s = detail::step_accepted(
+            s_, target, [&](const double *t) { (void)QZNSyncDTS_OnDT(&s_, t, pos.data()); });
+        return {pos, s};
     }
     // As step, with the smoothed velocities and accelerations.
     [[nodiscard]] Result<PVA<N>> step_pva(const Vec<N> &target) noexcept {
-        if (!s_.isInit) return {current(), Status::not_initialised};
-        bool allFinite = true;
-        const Vec<N> t = detail::accepted_targets(target, s_.target, allFinite);
-        if (!allFinite && s_.resetPending) return {current(), Status::non_finite};
-        PVA<N> out{};
-        (void)QZNSyncDTS_OnDT2(&s_, t.data(), out.pos.data(), out.vel.data(), out.acc.data());
-        return {out, allFinite ? Status::ok : Status::non_finite};
+        PVA<N> out = current();
+        const Status s = detail::step_accepted(s_, target, [&](const double *t) {
+            (void)QZNSyncDTS_OnDT2(&s_, t, out.pos.data(), out.vel.data(), out.acc.data());
+        });
+        return {out, s};
     }
     // One cycle towards the last accepted targets; reset_pending (positions held) before any.
     [[nodiscard]] Result<Vec<N>> step_to_last_target() noexcept {
-        if (!s_.isInit) return {current().pos, Status::not_initialised};
-        if (s_.resetPending) return {current().pos, Status::reset_pending};
+        if (s_.isInit == 0) return {current().pos, Status::not_initialised};
+        if (s_.resetPending != 0) return {current().pos, Status::reset_pending};
         Vec<N> pos{};
         (void)QZNSyncDTS_OnDT_NoChange(&s_, pos.data());
         return pos;
     }
     // Every axis stands at its position, at rest; the next step moves from there.
     [[nodiscard]] Status reset_to(const Vec<N> &position) noexcept {
-        if (!s_.isInit) return Status::not_initialised;
+        if (s_.isInit == 0) return Status::not_initialised;
         if (!detail::all_finite(position)) return Status::non_finite;
         (void)QZNSyncDTS_OnEmpty(&s_);
         Vec<N> pos{};
@@ -358,7 +362,7 @@ class SmoothedTracker {
     }
     // The next step outputs its targets themselves, at rest.
     [[nodiscard]] Status jump_to_next_target() noexcept {
-        return QZNSyncDTS_OnEmpty(&s_) ? Status::ok : Status::not_initialised;
+        return QZNSyncDTS_OnEmpty(&s_) != 0 ? Status::ok : Status::not_initialised;
     }
     [[nodiscard]] LimitReport<N> set_limits(const Vec<N> &velLmt, const Vec<N> &accLmt) noexcept {
         Vec<N> acc = accLmt;
@@ -434,28 +438,25 @@ class SmoothedMultiStageTracker {
         }
     }
     [[nodiscard]] Status status() const noexcept {
-        return s_.isInit ? Status::ok : Status::bad_argument;
+        return s_.isInit != 0 ? Status::ok : Status::bad_argument;
     }
     [[nodiscard]] const LimitReport<N> &init_limits() const noexcept { return init_; }
     // As SmoothedTracker::step.
     [[nodiscard]] Result<Vec<N>> step(const Vec<N> &target) noexcept {
-        if (!s_.isInit) return {positions(), Status::not_initialised};
-        bool allFinite = true;
-        const Vec<N> t = detail::accepted_targets(target, s_.target, allFinite);
-        if (!allFinite && s_.resetPending) return {positions(), Status::non_finite};
-        Vec<N> pos{};
-        (void)QZNSyncDTS_OnDTM(&s_, t.data(), pos.data());
-        return {pos, allFinite ? Status::ok : Status::non_finite};
+        Vec<N> pos = positions();
+        const Status s = detail::step_accepted(
+            s_, target, [&](const double *t) { (void)QZNSyncDTS_OnDTM(&s_, t, pos.data()); });
+        return {pos, s};
     }
     // One cycle towards the last accepted targets; reset_pending (positions held) before any.
     [[nodiscard]] Result<Vec<N>> step_to_last_target() noexcept {
-        if (!s_.isInit) return {positions(), Status::not_initialised};
+        if (s_.isInit == 0) return {positions(), Status::not_initialised};
         Vec<N> pos = positions();
         const bool ok = QZNSyncDTS_OnDT_UM(&s_, pos.data()) != 0;
         return {pos, ok ? Status::ok : Status::reset_pending};
     }
     [[nodiscard]] Status reset_to(const Vec<N> &position) noexcept {
-        if (!s_.isInit) return Status::not_initialised;
+        if (s_.isInit == 0) return Status::not_initialised;
         if (!detail::all_finite(position)) return Status::non_finite;
         (void)QZNSyncDTS_OnEmptyM(&s_);
         Vec<N> pos{};
@@ -463,20 +464,20 @@ class SmoothedMultiStageTracker {
         return Status::ok;
     }
     [[nodiscard]] Status jump_to_next_target() noexcept {
-        return QZNSyncDTS_OnEmptyM(&s_) ? Status::ok : Status::not_initialised;
+        return QZNSyncDTS_OnEmptyM(&s_) != 0 ? Status::ok : Status::not_initialised;
     }
     // Current positions, velocities and accelerations; reset_pending before the first step.
     [[nodiscard]] Result<PVA<N>> pva() const noexcept {
         PVA<N> out{};
-        Vec<N> target{};
-        const bool ok = QZNSyncDTS_OnGetCurPVAM(&s_, target.data(), out.pos.data(), out.vel.data(),
+        Vec<N> targets{};
+        const bool ok = QZNSyncDTS_OnGetCurPVAM(&s_, targets.data(), out.pos.data(), out.vel.data(),
                                                 out.acc.data()) != 0;
         return {out, ok ? Status::ok : Status::reset_pending};
     }
     // Reports what became of each axis's main-stage request.
     [[nodiscard]] LimitReport<N> set_limits(const Vec<N> &velLmt, const Vec<N> &accLmt) noexcept {
         LimitReport<N> r{};
-        if (!s_.isInit) {
+        if (s_.isInit == 0) {
             r.axis.fill(Limit::refused);
             return r;
         }
@@ -522,7 +523,7 @@ class Estimator {
         if (!ok_) return {held(), Status::not_initialised};
         if (detail::all_finite(x, r)) return step_with(stamp, x, r, Status::ok);
         // The last stamp again: no sample is read (none before the first).
-        if (s_.resetPending) return {held(), Status::non_finite};
+        if (s_.resetPending != 0) return {held(), Status::non_finite};
         return step_with(s_.lastStamp, detail::first_n<N>(s_.lastSample), Vec<N>{},
                          Status::non_finite);
     }
@@ -602,9 +603,32 @@ class ErrorComparator {
         (void)QZ_DCTRL_ErrorCompare(0, first.data(), second.data(), &s_, corr_.data());
         return corr_;
     }
+    // Per joint, the gains on the integral and on the error (defaults 0.03 / 0.02 and 0);
+    // bad_argument, nothing changed, for a NaN, infinite or negative gain.
+    [[nodiscard]] Status set_gains(const Vec<7> &kInteg, const Vec<7> &kProp) noexcept {
+        if (!non_negative(kInteg) || !non_negative(kProp)) return Status::bad_argument;
+        copy(kInteg, s_.kInteg), copy(kProp, s_.kProp);
+        return Status::ok;
+    }
+    // Per joint, the limits of the correction, the error and the integral (defaults 0.9 / 0.6,
+    // 1.5 / 1.0 and 30); refused as set_gains.
+    [[nodiscard]] Status set_limits(const Vec<7> &outLmt, const Vec<7> &errLmt,
+                                    const Vec<7> &integLmt) noexcept {
+        if (!non_negative(outLmt) || !non_negative(errLmt) || !non_negative(integLmt))
+            return Status::bad_argument;
+        copy(outLmt, s_.outLmt), copy(errLmt, s_.errLmt), copy(integLmt, s_.integLmt);
+        return Status::ok;
+    }
     const QZDCTRLErrorState &record() const noexcept { return s_; }
 
   private:
+    static bool non_negative(const Vec<7> &v) noexcept {
+        return std::all_of(v.begin(), v.end(), [](double x) { return std::isfinite(x) && x >= 0; });
+    }
+    static void copy(const Vec<7> &v, double *field) noexcept {
+        std::copy(v.begin(), v.end(), field);
+    }
+
     QZDCTRLErrorState s_{};
     Vec<7> corr_{};
 };

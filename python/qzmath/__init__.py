@@ -1,4 +1,5 @@
-"""QZMath from Python: ctypes over libQZMath.so (no compiled extension), numpy in and out.
+"""QZMath from Python: ctypes over libQZMath.so, with batches run in compiled loops that call the
+library's own functions; numpy in and out.
 
     import numpy as np, qzmath
     arm = qzmath.SmoothedTracker(cycle_ms=4.0, vel_limits=[50.0] * 7, acc_limits=[100.0] * 7,
@@ -14,8 +15,10 @@ qzmath.kinematics. Results are numpy arrays of their natural shape; conversions 
 leading batch axes.
 
 Errors: wrong types, None and wrong shapes raise TypeError or ValueError naming the parameter;
-NaN or infinite limits, cycle times, windows and counts raise InvalidArgumentError; a failure
-the library reports raises another QZMathError. A value that the library clamps or ignores
+NaN or infinite values (targets, samples, array elements, limits), non-positive limits and cycle
+times and zero-norm quaternions raise InvalidArgumentError, naming the first bad batch index; a
+failure the library reports raises another QZMathError. No checked call leaves a record that
+gives NaN from finite input. A value that the library clamps or ignores
 raises a QZMathWarning (through the warnings module) naming the value in effect.
 
 qzmath.unchecked is the library itself with its C prototypes: no checks, and wrong arguments
@@ -31,3 +34,11 @@ from .scalar import *  # noqa: F401,F403 (the plain functions)
 from .trackers import (MultiStageTracker, Path, SmoothedMultiStageTracker, SmoothedTracker,
                        TargetPVA, Tracker)
 from . import geometry, kinematics, linalg, quaternions, records
+from . import scalar as _scalar
+
+__all__ = ["LIBRARY_PATH", "LIBRARY_VERSION", "unchecked", "ConvergenceError",
+           "InvalidArgumentError", "QZMathError", "QZMathWarning", "SingularError", "StateError",
+           "ErrorComparator", "Estimator", "OneFitter", "AveragingFilter", "SmoothedValue",
+           "MultiStageTracker", "Path", "SmoothedMultiStageTracker", "SmoothedTracker",
+           "TargetPVA", "Tracker", "geometry", "kinematics", "linalg", "quaternions", "records"
+           ] + _scalar.__all__

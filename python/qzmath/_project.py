@@ -4,6 +4,8 @@
 import os
 import re
 
+__all__ = ["tree_version"]
+
 
 def tree_version(root):
     """'M.m.p' from root/CMakeLists.txt, or None when root is not a QZMath source tree."""

@@ -1,14 +1,19 @@
 """Exceptions raised where a QZMath function reports failure or an argument is refused, and the
 warning issued where the library clamps or ignores a value."""
 
+__all__ = ["QZMathError", "InvalidArgumentError", "StateError", "SingularError",
+           "ConvergenceError", "QZMathWarning"]
+
 
 class QZMathError(Exception):
     """Base of every failure the library reports through its result value."""
 
 
 class InvalidArgumentError(QZMathError, ValueError):
-    """An argument was refused: a NaN or infinite limit, cycle time, window or count, a count out
-    of range, or parameters the library's initialiser refused."""
+    """An argument was refused: a NaN or infinite value anywhere (a target, a sample, an array
+    element, a limit), a non-positive limit or cycle time, a zero-norm quaternion where a rotation
+    is expected, a count out of range, parameters the library's initialiser refused, or input so
+    large that the result would not be finite."""
 
 
 class StateError(QZMathError):

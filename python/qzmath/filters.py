@@ -1,4 +1,6 @@
-"""The per-cycle filters as classes that own their record (`.state` is a copy of it)."""
+"""The per-cycle filters as classes that own their record (`.state` is a copy of it). Samples and
+targets must be finite (InvalidArgumentError), and a call whose output would not be finite puts
+the record back as it was and raises InvalidArgumentError."""
 import ctypes
 
 import numpy as np
@@ -8,6 +10,8 @@ from . import _arrays as A
 from .errors import InvalidArgumentError, StateError
 from .records import QZAVGFState, QZSMVState
 from .trackers import _Record
+
+__all__ = ["AveragingFilter", "SmoothedValue"]
 
 
 class AveragingFilter(_Record):
@@ -29,17 +33,21 @@ class AveragingFilter(_Record):
 
     @property
     def channels(self) -> int:
+        """Number of channels."""
         return self._n
 
     def filter(self, x):
         """One sample per channel; returns (averages, derivatives of the average). The first
         call after construction or reset() fills the window with x."""
-        if not raw.QZAVGF_OnFilt(self._p, A.addr(A.per_axis(x, "x", n=self._n)),
-                                 A.addr(self._avg), A.addr(self._davg)):
+        xs = A.per_axis(x, "x", n=self._n)
+        if not self._guarded(lambda: raw.QZAVGF_OnFilt(self._p, A.addr(xs), A.addr(self._avg),
+                                                       A.addr(self._davg)),
+                             self._avg, self._davg):
             raise StateError("filter refused: the record is not initialised")
         return self._avg[:self._n].copy(), self._davg[:self._n].copy()
 
     def reset(self) -> None:
+        """Makes the next sample fill the window afresh."""
         raw.QZAVGF_OnEmpty(self._p)
 
 
@@ -53,7 +61,7 @@ class SmoothedValue(_Record):
     def __init__(self, start: float = 0.0, alpha: float = 0.002, step_max: float = 0.01,
                  step_min: float = 0.002):
         super().__init__()
-        s = A.real(start, "start")
+        s = A.finite(start, "start")
         args = [A.finite(x, n) for x, n in ((alpha, "alpha"), (step_max, "step_max"),
                                              (step_min, "step_min"))]
         if not raw.QZSMV_OnInit(self._p, s, *args):
@@ -63,17 +71,18 @@ class SmoothedValue(_Record):
 
     def update(self, target: float) -> float:
         """One update towards target; returns the new value."""
-        v = ctypes.c_double()
-        raw.QZSMV_OnUpdateV(self._p, A.real(target, "target"), ctypes.addressof(v))
-        return v.value
+        t, v = A.finite(target, "target"), np.zeros(1)
+        self._guarded(lambda: raw.QZSMV_OnUpdateV(self._p, t, A.addr(v)), v)
+        return float(v[0])
 
     def update_flags(self, target: float):
         """One update towards target; returns (value, is_zero, is_one)."""
-        v, z, o = ctypes.c_double(), ctypes.c_uint8(), ctypes.c_uint8()
-        raw.QZSMV_OnUpdateVZO(self._p, A.real(target, "target"), ctypes.addressof(v),
-                              ctypes.addressof(z), ctypes.addressof(o))
-        return v.value, bool(z.value), bool(o.value)
+        t, v, z, o = A.finite(target, "target"), np.zeros(1), ctypes.c_uint8(), ctypes.c_uint8()
+        self._guarded(lambda: raw.QZSMV_OnUpdateVZO(self._p, t, A.addr(v), ctypes.addressof(z),
+                                                    ctypes.addressof(o)), v)
+        return float(v[0]), bool(z.value), bool(o.value)
 
     value = property(lambda self: self._rec.value, doc="value after the last update")
-    is_zero = property(lambda self: bool(self._rec.isZero))
-    is_one = property(lambda self: bool(self._rec.isOne))
+    is_zero = property(lambda self: bool(self._rec.isZero),
+                       doc="whether the value is 0 (to 1e-8)")
+    is_one = property(lambda self: bool(self._rec.isOne), doc="whether the value is 1 (to 1e-8)")

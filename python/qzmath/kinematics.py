@@ -21,6 +21,8 @@ from . import _arrays as A
 from .errors import InvalidArgumentError, SingularError, StateError
 from .records import QZKinChain
 
+__all__ = ["Chain", "IkResult", "Velocities", "orientation_error", "tracker_lead"]
+
 Velocities = collections.namedtuple("Velocities", "qdot sigma damping")
 Velocities.__doc__ = """Joint velocities (n,), the estimated smallest singular value of the
 unitless Jacobian and the damping factor lambda applied."""
@@ -36,9 +38,25 @@ _REFUSED = {-1: "the chain or tracker is not initialised",
             -5: "NaN, infinite or absurd input"}
 
 
-def _where(rc):
-    """' at index [i, ...]' of the first refused element of a batch, '' for a single call."""
-    return " at index %s" % np.argwhere(rc != 1)[0].tolist() if np.ndim(rc) else ""
+def _loop(fn, inputs, out_shape):
+    """fn(*input pointers, output pointer) once per element of the broadcast leading axes of the
+    inputs ((array, trailing length) pairs, already checked), in a Python loop; returns the output
+    of shape leading + out_shape and the index of the first element fn refused (or None)."""
+    lead = np.broadcast_shapes(*[a.shape[:-1] for a, _ in inputs])
+    count = int(np.prod(lead, dtype=np.int64))
+    flat = [np.ascontiguousarray(np.broadcast_to(a, lead + (k,))).reshape(count, k)
+            for a, k in inputs]
+    out = np.zeros((count,) + out_shape)
+    steps = [(A.base(a), 8 * a.shape[1]) for a in flat]
+    po, so = A.base(out), 8 * int(np.prod(out_shape, dtype=np.int64))
+    for i in range(count):
+        if fn(*[p + i * s for p, s in steps], po + i * so) != 1:
+            return None, list(np.unravel_index(i, lead)) if lead else []
+    return out.reshape(lead + out_shape), None
+
+
+def _at(where):
+    return " at batch index %s" % A._index(where) if where else ""
 
 
 def _check(rc, name):
@@ -84,9 +102,10 @@ class Chain:
 
     def _mapped(self, fn, q, out_shape):
         """fn(chain, q, out) over the leading axes of q: one call per configuration."""
-        out, rc = A.mapped(lambda qp, op: fn(self._p, qp, op), [(q, "q", (self.n,))], out_shape)
-        if (rc != 1).any():
-            raise InvalidArgumentError("q: NaN, infinite or beyond 1e4 rad" + _where(rc))
+        qa = A.array(q, "q", (self.n,), batch=True)
+        out, bad = _loop(lambda qp, op: fn(self._p, qp, op), [(qa, self.n)], out_shape)
+        if bad is not None:
+            raise InvalidArgumentError("q: beyond 1e4 rad" + _at(bad))
         return out
 
     def forward(self, q) -> np.ndarray:
@@ -116,8 +135,8 @@ class Chain:
                        tol_rot: float = 1e-9) -> IkResult:
         """Joint angles that put the tool at pose (7,), Newton steps from seed (n,) within the
         joint limits; converged False after max_iter (1..1000) steps, with the last iterate."""
-        p = A.finite_array(pose, "pose", (7,))
-        s = A.finite_array(seed, "seed", (self.n,))
+        p = A.array(pose, "pose", (7,))
+        s = A.array(seed, "seed", (self.n,))
         it = A.integer(max_iter, "max_iter", 1, 1000)
         q, residual, steps = np.zeros(self.n), np.zeros(2), np.zeros(1, dtype=np.int32)
         rc = raw.QZKin_SolvePosition(self._p, A.addr(p), A.addr(s), it,
@@ -130,11 +149,12 @@ class Chain:
 def orientation_error(q_target, q_actual) -> np.ndarray:
     """Rotation vectors (..., 3) in radians, base axes, that turn the (..., 4) quaternions
     q_actual into q_target (x, y, z, w), accurate near 0 and pi."""
-    out, rc = A.mapped(raw.QZKin_OrientationError,
-                       [(q_target, "q_target", (4,)), (q_actual, "q_actual", (4,))], (3,))
-    if (rc != 1).any():
-        raise InvalidArgumentError("q_target, q_actual: zero, NaN, infinite or absurd quaternion"
-                                   + _where(rc))
+    qt = A.array(q_target, "q_target", (4,), batch=True)
+    qa = A.array(q_actual, "q_actual", (4,), batch=True)
+    out, bad = _loop(raw.QZKin_OrientationError, [(qt, 4), (qa, 4)], (3,))
+    if bad is not None:
+        raise InvalidArgumentError("q_target, q_actual: a quaternion of zero or absurd length"
+                                   + _at(bad))
     return out
 
 
@@ -142,8 +162,8 @@ def tracker_lead(tracker, velocity, acceleration=None) -> np.ndarray:
     """Per axis of a SmoothedTracker, how far ahead of a path moving at velocity (and
     acceleration) to place its target so that the output lies on the path."""
     n = tracker.axes
-    v = A.finite_array(velocity, "velocity", (n,))
-    a = None if acceleration is None else A.finite_array(acceleration, "acceleration", (n,))
+    v = A.array(velocity, "velocity", (n,))
+    a = None if acceleration is None else A.array(acceleration, "acceleration", (n,))
     lead = np.zeros(n)
     _check(raw.QZKin_TrackerLead(tracker._p, A.addr(v), None if a is None else A.addr(a),
                                  A.addr(lead), None), "velocity, acceleration")

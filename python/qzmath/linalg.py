@@ -3,7 +3,8 @@
 Vectors are 1-D and matrices 2-D array-likes, in their natural shape (a flat array is not taken
 for a matrix); results are numpy arrays. Each function calls the library's routine for the shape,
 so results carry its exact bits: a square product of size 2 to 8 goes through QZ_MatrixMult<n>,
-other shapes through QZ_MatrixMultXmX.
+other shapes through QZ_MatrixMultXmX. NaN and infinite entries are refused
+(InvalidArgumentError naming the first one), and so is a result that overflows.
 """
 import ctypes
 
@@ -13,7 +14,12 @@ from ._api import raw
 from . import _arrays as A
 from .errors import ConvergenceError, InvalidArgumentError, SingularError
 
+__all__ = ["dot", "length", "normalize", "normalized", "angle_deg", "projection", "cross",
+           "distance", "direction", "identity", "matmul", "matvec", "transpose", "inverse",
+           "rigid_inverse", "det", "LUP", "pinv", "cholesky", "vmv", "eig", "generalized_eig"]
+
 _SIZES = range(2, 9)
+_checked = A.finite_result
 
 
 def _fixed(name, n):
@@ -21,13 +27,14 @@ def _fixed(name, n):
 
 
 def _matrix(m, name, sizes=None, square=False):
-    a = A.array(m, name, (), batch=True)
+    a = A.array(m, name, (), batch=True, finite=False)
     if a.ndim != 2 or (square and a.shape[0] != a.shape[1]):
         raise ValueError("%s: expected a %smatrix (2-D), got shape %s"
                          % (name, "square " if square else "", a.shape))
     if sizes is not None and a.shape[0] not in sizes:
         raise ValueError("%s: size %d not supported (%s)" % (name, a.shape[0],
                                                               ", ".join(map(str, sizes))))
+    A.must_be_finite(a, name)
     return a
 
 
@@ -44,18 +51,21 @@ def _vectors(a, b):
 
 # ---- Vectors ----------------------------------------------------------------------------------
 
+@_checked
 def dot(a, b) -> float:
     """Sum of a[i]*b[i] in index order."""
     x, y = _vectors(a, b)
     return raw.QZ_VectDot(A.addr(x), A.addr(y), len(x))
 
 
+@_checked
 def length(v) -> float:
     """Euclidean length (root of the sum of squares in index order)."""
     x = A.array(v, "v")
     return raw.QZ_VectLength(A.addr(x), len(x))
 
 
+@_checked
 def normalize(v) -> np.ndarray:
     """v divided by its length; SingularError when the length is zero (to 1e-16)."""
     x = A.array(v, "v")
@@ -64,6 +74,7 @@ def normalize(v) -> np.ndarray:
     return x
 
 
+@_checked
 def normalized(v) -> np.ndarray:
     """v divided by its length, or zeros when the length is below 1e-6 (no error)."""
     x = A.array(v, "v")
@@ -72,12 +83,14 @@ def normalized(v) -> np.ndarray:
     return out
 
 
+@_checked
 def angle_deg(a, b) -> float:
     """Angle between a and b in degrees, in [0, 180]; 0 when either is zero."""
     x, y = _vectors(a, b)
     return raw.QZ_VectAngle(A.addr(x), A.addr(y), len(x))
 
 
+@_checked
 def projection(a, b) -> np.ndarray:
     """Projection of a on the direction of b (1 to 3 elements); zeros when |b| < 1e-6."""
     x, y = _vectors(a, b)
@@ -90,14 +103,16 @@ def projection(a, b) -> np.ndarray:
 
 def cross(a, b) -> np.ndarray:
     """a x b of (..., 3) vectors."""
-    return A.mapped(raw.QZ_VectCross, [(a, "a", (3,)), (b, "b", (3,))], (3,))[0]
+    return A.mapped("QZ_VectCross", [(a, "a", (3,)), (b, "b", (3,))], (3,))[0]
 
 
+@_checked
 def distance(a, b) -> float:
     """Distance between points a and b (3-vectors)."""
     return raw.QZ_GetVectLenA2B(A.addr(A.array(a, "a", (3,))), A.addr(A.array(b, "b", (3,))))
 
 
+@_checked
 def direction(a, b):
     """(unit vector from a towards b, distance); SingularError for points closer than about
     3.2e-5."""
@@ -118,6 +133,7 @@ def identity(n: int) -> np.ndarray:
     return m
 
 
+@_checked
 def matmul(a, b) -> np.ndarray:
     """Matrix product a . b of 2-D arrays."""
     x, y = _matrix(a, "a"), _matrix(b, "b")
@@ -137,6 +153,7 @@ _MATVEC = {(3, 3): "QZ_MatrixMultVect3", (4, 4): "QZ_MatrixMultVect4",
            (6, 7): "QZ_Matrix67MultVect7", (7, 6): "QZ_Matrix76MultVect6"}
 
 
+@_checked
 def matvec(m, v) -> np.ndarray:
     """Matrix times vector m . v."""
     x = _matrix(m, "m")
@@ -149,6 +166,7 @@ def matvec(m, v) -> np.ndarray:
     return out
 
 
+@_checked
 def transpose(m) -> np.ndarray:
     """Transpose."""
     x = _matrix(m, "m")
@@ -161,22 +179,22 @@ def transpose(m) -> np.ndarray:
     return out
 
 
+@_checked
 def inverse(m) -> np.ndarray:
     """Inverse of an n-by-n matrix (n = 2..8) by LU with partial pivoting; SingularError when a
-    pivot is at most 1e-16 (which a NaN matrix also gives: see its message)."""
+    pivot is at most 1e-16."""
     x = _matrix(m, "m", _SIZES, square=True)
     out = np.zeros(x.shape)
     if not _fixed("QZ_MatrixInv", len(x))(A.addr(x), A.addr(out)):
-        _singular(x, "singular matrix")
+        _singular("singular matrix")
     return out
 
 
-def _singular(x, what):
-    if not np.isfinite(x).all():
-        raise InvalidArgumentError("m: the matrix holds NaN or infinite entries")
-    raise SingularError(what)
+def _singular(what):
+    raise SingularError("m: " + what)
 
 
+@_checked
 def rigid_inverse(t) -> np.ndarray:
     """Inverse of a rigid 4-by-4 transform in closed form (rotation transposed)."""
     out = np.zeros((4, 4))
@@ -184,6 +202,7 @@ def rigid_inverse(t) -> np.ndarray:
     return out
 
 
+@_checked
 def det(m) -> float:
     """Determinant of an n-by-n matrix (n = 1..8) by cofactor expansion."""
     x = _matrix(m, "m", range(1, 9), square=True)
@@ -204,7 +223,7 @@ class LUP:
         self._ptrs = _rows(self._lu)
         self._perm = np.zeros(min(self.m, self.n) + 1, dtype=np.int32)
         if raw.QZ_MatLUPD(self._ptrs, self.m, self.n, A.addr(self._perm)):
-            _singular(np.asarray(m, dtype=float), "singular matrix")
+            _singular("singular matrix")
 
     @property
     def lu(self) -> np.ndarray:
@@ -222,6 +241,7 @@ class LUP:
                              % (self.m, self.n))
         return self.n
 
+    @_checked
     def solve(self, b) -> np.ndarray:
         """x with A x = b."""
         n = self._square()
@@ -230,30 +250,35 @@ class LUP:
                           A.addr(x))
         return x
 
+    @_checked
     def det(self) -> float:
+        """Determinant of the square matrix decomposed."""
         return raw.QZ_MatLUPDet(self._ptrs, self._square(), A.addr(self._perm))
 
+    @_checked
     def inverse(self) -> np.ndarray:
+        """Inverse of the square matrix decomposed."""
         n = self._square()
         out = np.zeros((n, n))
         raw.QZ_MatLUPInv(self._ptrs, n, A.addr(self._perm), _rows(out))
         return out
 
 
+@_checked
 def pinv(m) -> np.ndarray:
     """Moore-Penrose pseudo-inverse of a (6, 7) or (7, 6) Jacobian by the normal equations (no
-    damping); SingularError when the Gram matrix is singular, InvalidArgumentError for NaN or
-    infinite entries."""
+    damping); SingularError when the Gram matrix is singular."""
     x = _matrix(m, "m")
     if x.shape not in ((6, 7), (7, 6)):
         raise ValueError("m: expected shape (6, 7) or (7, 6), got %s" % (x.shape,))
     out = np.zeros(x.shape[::-1])
     fn = raw.QZ_RightPsoInv67 if x.shape == (6, 7) else raw.QZ_LeftPsoInv76
     if not fn(A.addr(x), A.addr(out)):
-        _singular(x, "rank-deficient Jacobian")
+        _singular("rank-deficient Jacobian")
     return out
 
 
+@_checked
 def cholesky(m) -> np.ndarray:
     """Lower Cholesky factor of a symmetric positive definite n-by-n matrix (n = 1..7); only
     the lower triangle is read. SingularError when not positive definite."""
@@ -263,10 +288,11 @@ def cholesky(m) -> np.ndarray:
     buf, out = np.zeros((stride, stride)), np.zeros((stride, stride))
     buf[:n, :n] = x
     if (raw.Cholesky if stride == 6 else raw.Cholesky7)(A.addr(buf), A.addr(out), n) != 0:
-        _singular(x, "matrix not positive definite")
+        _singular("matrix not positive definite")
     return out[:n, :n].copy()
 
 
+@_checked
 def vmv(v, m) -> float:
     """v^T M v for an n-by-n M (n = 1..7)."""
     x = _matrix(m, "m", range(1, 8), square=True)
@@ -275,6 +301,7 @@ def vmv(v, m) -> float:
     return raw.VMV(A.addr(A.array(v, "v", (len(x),))), A.addr(buf), len(x))
 
 
+@_checked
 def eig(m, eps: float = 1e-15):
     """Eigenvalues and eigenvectors of a symmetric n-by-n matrix (n = 1..8) by the threshold
     Jacobi method: (values (n,), vectors (n, n)) with vectors[k] the unit eigenvector of
@@ -290,6 +317,7 @@ def eig(m, eps: float = 1e-15):
     return np.diagonal(x).copy(), v.T.copy()
 
 
+@_checked
 def generalized_eig(a, b, eps: float = 1e-15):
     """A x = lambda B x for symmetric 6x6 or 7x7 A and positive definite B: (values, vectors)
     with vectors[k] belonging to values[k], scaled so that x^T B x = 1, in the library's order.

@@ -1,7 +1,7 @@
 """ctypes mirrors of the library's records, field for field in the C order and types.
 
 Written from the C headers by the build (cmake/QZRecords.cmake): do not edit. After a change
-to a record, `cmake --build build --target update_records` rewrites this file.
+to a record, `cmake --build build --target update_python_mirrors` rewrites this file.
 
 A record is plain data owned by the caller; a fresh ctypes instance is zero-filled, which is
 what the library expects of a record before its initialiser runs.
@@ -203,3 +203,4 @@ RECORDS = {cls.__name__: cls for cls in (
     QZKinChain,
     QZSlerpFactorState,
 )}
+__all__ = ["RECORDS"] + list(RECORDS)

@@ -2,7 +2,9 @@
 
 Each function returns exactly the bits of the C function it wraps. Angles are in radians for
 names ending in _arc and degrees for names ending in _deg. Number arguments must be real numbers
-(TypeError otherwise, naming the parameter); root lists are numpy arrays.
+(TypeError otherwise, naming the parameter) and finite (InvalidArgumentError otherwise); a
+result that would be NaN or infinite (the square root of a negative number, an overflow) raises
+InvalidArgumentError rather than being returned. Root lists are numpy arrays.
 """
 import ctypes
 import functools
@@ -17,7 +19,8 @@ _D = ctypes.c_double
 
 
 def _reals(fn):
-    """Checks that every argument of fn is a real number before the C call."""
+    """Checks that every argument of fn is a finite real number before the C call, and that its
+    result is finite."""
     sig = inspect.signature(fn)
 
     @functools.wraps(fn)
@@ -27,8 +30,8 @@ def _reals(fn):
         except TypeError as e:
             raise TypeError("%s: %s" % (fn.__name__, e)) from None
         bound.apply_defaults()
-        return fn(*[A.real(v, k) for k, v in bound.arguments.items()])
-    return checked
+        return fn(*[A.finite(v, k) for k, v in bound.arguments.items()])
+    return A.finite_result(checked)
 
 __all__ = [
     "sqrt",
@@ -85,6 +88,7 @@ def root3(x):
 
 @_reals
 def sin_arc(a):
+    """Sine of a in radians."""
     return lib.QZ_SIN_ARC(a)
 
 
@@ -96,11 +100,13 @@ def cos_arc(a):
 
 @_reals
 def sin_deg(d):
+    """Sine of d in degrees."""
     return lib.QZ_SIN_DEG(d)
 
 
 @_reals
 def cos_deg(d):
+    """Cosine of d in degrees."""
     return lib.QZ_COS_DEG(d)
 
 
@@ -140,11 +146,13 @@ def acos(x):
 
 @_reals
 def fmax(a, b):
+    """The larger of a and b."""
     return lib.QZ_MAX(a, b)
 
 
 @_reals
 def fmin(a, b):
+    """The smaller of a and b."""
     return lib.QZ_MIN(a, b)
 
 
@@ -234,10 +242,11 @@ def solve4_real(a, b, c, d, e):
     return np.array(r[:lib.QZ_Solve4OrderEqR(a, b, c, d, e, r)])
 
 
+@A.finite_result
 def polynomial_value(p, x):
     """p[0] + p[1] x + ... + p[n-1] x^(n-1): constant term first."""
     c = A.array(p, "p")
-    return lib.QZ_SolvePolynomialResult(c.ctypes.data_as(ctypes.POINTER(_D)), A.real(x, "x"),
+    return lib.QZ_SolvePolynomialResult(c.ctypes.data_as(ctypes.POINTER(_D)), A.finite(x, "x"),
                                          len(c))
 
 
@@ -249,6 +258,7 @@ def cal_angle_c_deg(a, b, c):
     return lib.QZ_CalAngleCDEG(a, b, c)
 
 
+@A.finite_result
 def point_to_line(a, b, p):
     """Foot of the perpendicular from point p to the line through a and b (3-vectors)."""
     f = np.zeros(3)

@@ -1,11 +1,17 @@
 """The tracker families as classes that own their record.
 
 Units: cycle times in milliseconds, positions in the caller's unit, limits in units/s, units/s^2
-and units/s^3. At construction the library clamps the cycle time to [1, 1000] ms, velocity limits
-to [0.1, 200] units/s and acceleration limits to [1, 1000] units/s^2 (docs/units-and-limits.md
-shows how to scale the unit to stay inside them); a clamped value raises a QZMathWarning naming
-the value in effect. At run time (set_limits) limits are taken unclamped, but a request within
-0.1 of the current one is ignored by the library, and that too raises a QZMathWarning.
+and units/s^3. Cycle times and limits must be finite and positive (InvalidArgumentError). At
+construction the library clamps the cycle time to [1, 1000] ms, velocity limits to [0.1, 200]
+units/s and acceleration limits to [1, 1000] units/s^2 (docs/units-and-limits.md shows how to
+scale the unit to stay inside them); a clamped setting raises one QZMathWarning naming the values
+in effect. At run time (set_limits) limits are taken unclamped, but a request within 0.1 of the
+current one is ignored by the library, and that too raises a QZMathWarning.
+
+Targets must be finite: a NaN or infinite target raises InvalidArgumentError (naming the first
+bad cycle of a run) before anything is stepped, so the record stays as it was and the next
+finite target carries on from there. Should a step ever give a non-finite output, the record is
+put back as it was before that call and InvalidArgumentError is raised.
 
 Every tracker has step(target) for one cycle and run(targets) or run(target, cycles) for many,
 returning a Path of (N, axes) arrays ((N,) for the single-axis trackers). `.state` is a copy of
@@ -17,15 +23,20 @@ import math
 
 import numpy as np
 
-from ._api import raw
+from ._api import address, batch, raw
 from . import _arrays as A
 from .errors import InvalidArgumentError, StateError
 from .records import QZNSyncDTSMState, QZNSyncDTSState, QZVDTMState, QZVDTState
+
+__all__ = ["Path", "TargetPVA", "Tracker", "MultiStageTracker", "SmoothedTracker",
+           "SmoothedMultiStageTracker"]
 
 Path = collections.namedtuple("Path", "pos vel acc")
 Path.__doc__ = """Result of run(): commanded positions, and velocities and accelerations where the
 tracker's record holds them (None where it does not), one row per cycle."""
 TargetPVA = collections.namedtuple("TargetPVA", "target pos vel acc")
+TargetPVA.__doc__ = """Result of current(): last targets, and smoothed positions, velocities and
+accelerations, one value per axis."""
 
 VEL_RANGE = (0.1, 200.0)     # units/s, clamped at construction
 ACC_RANGE = (1.0, 1000.0)    # units/s^2, clamped at construction
@@ -52,19 +63,65 @@ class _Record:
         """A copy of the C record."""
         return type(self._rec).from_buffer_copy(self._rec)
 
+    def _guarded(self, call, *outputs):
+        """call() with the record put back as it was, and InvalidArgumentError raised, when it
+        leaves a non-finite value in outputs (arrays whose first axis counts cycles). Runs check
+        their positions only: a velocity or acceleration gone bad shows in the next position."""
+        saved = bytes(self._rec)
+        result = call()
+        for out in outputs:
+            if out is not None and not A.all_finite(out):
+                ctypes.memmove(self._p, saved, len(saved))
+                cycle = int(np.argmin(np.isfinite(out).reshape(len(out), -1).all(axis=1))) \
+                    if out.ndim else 0
+                raise InvalidArgumentError("the output of cycle %d is not finite: the record is"
+                                           " put back as it was before this call" % cycle)
+        return result
 
-def _init_limits(cycle_ms, vel, acc, vname, aname):
-    """Checks construction parameters and warns where the library will clamp them."""
-    cycle = A.finite(cycle_ms, "cycle_ms")
-    A.clamped(cycle, *CYCLE_RANGE, "cycle_ms", " ms")
+
+class _Clamps:
+    """Collects, per setting, the values the library will clamp, so that each clamped setting
+    gives one warning however many axes, stages and limits it covers."""
+
+    def __init__(self):
+        self._messages = {}
+
+    def check(self, setting, value, low, high, label, unit=""):
+        """Notes label's value when it lies outside [low, high], with the value in effect."""
+        took = low if value < low else high if value > high else value
+        if took != value:
+            self.add(setting, "%s %g%s is outside the accepted range [%g, %g]: %g takes effect"
+                     % (label, value, unit, low, high, took))
+
+    def add(self, setting, message):
+        """Notes a message about setting."""
+        self._messages.setdefault(setting, []).append(message)
+
+    def warn(self):
+        """Issues one QZMathWarning per setting noted."""
+        for messages in self._messages.values():
+            A.warn("; ".join(messages))
+
+
+def _positive(x, name):
+    v = A.finite(x, name)
+    if not v > 0:
+        raise InvalidArgumentError("%s: must be positive, got %g" % (name, v))
+    return v
+
+
+def _init_limits(clamps, cycle_ms, vel, acc, vname, aname):
+    """Checks construction parameters and notes where the library will clamp them."""
+    cycle = _positive(cycle_ms, "cycle_ms")
+    clamps.check("cycle_ms", cycle, *CYCLE_RANGE, "cycle_ms", " ms")
     for i, (v, a) in enumerate(zip(vel, acc)):
-        A.clamped(v, *VEL_RANGE, vname.replace("%d", str(i)), " units/s")
-        A.clamped(a, *ACC_RANGE, aname.replace("%d", str(i)), " units/s^2")
+        clamps.check(vname, v, *VEL_RANGE, vname.replace("%d", str(i)), " units/s")
+        clamps.check(aname, a, *ACC_RANGE, aname.replace("%d", str(i)), " units/s^2")
     return cycle
 
 
 def _positive_limits(values, name):
-    a = A.finite_array(values, name)
+    a = A.array(values, name)
     if not (a > 0).all():
         raise InvalidArgumentError("%s: limits must be positive, got %s" % (name, a.tolist()))
     return a
@@ -91,25 +148,26 @@ def _warn_all(messages):
 
 
 class _Tracker(_Record):
-    """run() shared by every tracker: _one is the shape of one target, _run steps an (N, ...)
-    array of targets."""
+    """run() shared by every tracker: _one is the shape of one target, and _run(t, n, tstep) steps
+    n cycles, cycle i towards the target at row i * tstep of t (tstep 0: one target held)."""
 
     _one = ()
 
     def run(self, targets, cycles=None):
         """Steps once per target of an (N, axes) array (N values for a single axis), or `cycles`
-        times towards one target; returns a Path of (N, axes) arrays."""
+        times towards one target; returns a Path of (N, axes) arrays. A non-finite target
+        anywhere refuses the whole run before its first cycle (InvalidArgumentError naming the
+        cycle), so the record is left as it was."""
         if cycles is None:
-            t = A.array(targets, "targets", self._one, batch=True)
+            t = A.array(targets, "targets", self._one, batch=True, copy=False)
             if t.ndim != len(self._one) + 1:
                 want = "(N, %d)" % self._one[0] if self._one else "(N,)"
                 raise ValueError("targets: expected shape %s, got %s (or give one target and"
                                  " cycles)" % (want, t.shape))
-        else:
-            n = A.integer(cycles, "cycles", 0, _MAX_CYCLES)
-            one = A.array(targets, "targets", self._one)
-            t = np.ascontiguousarray(np.broadcast_to(one, (n,) + self._one))
-        return self._run(t)
+            return self._run(t, len(t), int(np.prod(self._one, dtype=np.int64)))
+        # one target held: the loop reads the same row every cycle
+        return self._run(A.array(targets, "targets", self._one),
+                         A.integer(cycles, "cycles", 0, _MAX_CYCLES), 0)
 
 
 class Tracker(_Tracker):
@@ -121,24 +179,28 @@ class Tracker(_Tracker):
 
     def __init__(self, cycle_ms: float, vel_limit: float, acc_limit: float):
         super().__init__()
-        v, a = A.finite(vel_limit, "vel_limit"), A.finite(acc_limit, "acc_limit")
-        cycle = _init_limits(cycle_ms, [v], [a], "vel_limit", "acc_limit")
+        v, a = _positive(vel_limit, "vel_limit"), _positive(acc_limit, "acc_limit")
+        clamps = _Clamps()
+        cycle = _init_limits(clamps, cycle_ms, [v], [a], "vel_limit", "acc_limit")
+        clamps.warn()
         raw.QZVDT_OnInit(self._p, cycle, v, a)
         self._out = np.zeros(1)
 
     def step(self, target: float) -> float:
-        """One control cycle towards target; returns the commanded position."""
-        if not raw.QZVDT_OnDT(self._p, A.real(target, "target"), A.addr(self._out)):
+        """One control cycle towards target; returns the commanded position. A NaN or infinite
+        target raises InvalidArgumentError and the cycle is not stepped."""
+        t = A.finite(target, "target")
+        if not self._guarded(lambda: raw.QZVDT_OnDT(self._p, t, A.addr(self._out)), self._out):
             _refused("step")
         return float(self._out[0])
 
-    def _run(self, t):
-        pos, vel = np.empty(len(t)), np.empty(len(t))
-        f, s, rec, out = raw.QZVDT_OnDT, self._p, self._rec, A.base(pos)
-        for i, x in enumerate(t.tolist()):
-            if not f(s, x, out + 8 * i):
-                _refused("run")
-            vel[i] = rec.vel
+    def _run(self, t, n, tstep):
+        pos, vel = np.empty(n), np.empty(n)
+        done = self._guarded(lambda: batch.qzb_run_tracker(
+            address("QZVDT_OnDT"), self._p, n, t.ctypes.data, tstep, pos.ctypes.data,
+            vel.ctypes.data), pos)
+        if done < n:
+            _refused("run")
         return Path(pos, vel, None)
 
     def reset(self) -> None:
@@ -178,12 +240,12 @@ def _stage_shares(v, a, mode):
     return [(v0, a), (v / 6.0, 2.0 * a), (v / 18.0, 2.0 * a), (v / 90.0, a)]
 
 
-def _stage_clamps(v, a, mode, label):
+def _stage_clamps(clamps, v, a, mode, label, vname, aname):
     for k, (vs, as_) in enumerate(_stage_shares(v, a, mode)):
-        A.clamped(vs, *VEL_RANGE, "%sstage %d's share of the velocity limit" % (label, k),
-                  " units/s")
-        A.clamped(as_, *ACC_RANGE, "%sstage %d's share of the acceleration limit" % (label, k),
-                  " units/s^2")
+        clamps.check(vname, vs, *VEL_RANGE, "%sstage %d's share of the velocity limit"
+                     % (label, k), " units/s")
+        clamps.check(aname, as_, *ACC_RANGE, "%sstage %d's share of the acceleration limit"
+                     % (label, k), " units/s^2")
 
 
 class MultiStageTracker(_Tracker):
@@ -196,31 +258,36 @@ class MultiStageTracker(_Tracker):
 
     def __init__(self, cycle_ms: float, vel_limit: float, acc_limit: float, mode: int = 1):
         super().__init__()
-        v, a = A.finite(vel_limit, "vel_limit"), A.finite(acc_limit, "acc_limit")
+        v, a = _positive(vel_limit, "vel_limit"), _positive(acc_limit, "acc_limit")
         m = A.integer(mode, "mode", -2 ** 31, 2 ** 31 - 1)
-        cycle = A.finite(cycle_ms, "cycle_ms")
-        A.clamped(cycle, *CYCLE_RANGE, "cycle_ms", " ms")
-        _stage_clamps(v, a, m, "")
+        clamps = _Clamps()
+        cycle = _init_limits(clamps, cycle_ms, [], [], "vel_limit", "acc_limit")
+        _stage_clamps(clamps, v, a, m, "", "vel_limit", "acc_limit")
+        clamps.warn()
         raw.QZVDT_OnInitM(self._p, cycle, v, a, m)
         self._rec.mode = m  # the initialiser leaves the mode to the owner of a stand-alone record
         self._out = np.zeros(1)
 
     @property
     def mode(self) -> int:
+        """The cascade mode (0: the plain tracker)."""
         return self._rec.mode
 
     def step(self, target: float) -> float:
-        """One control cycle towards target; returns the commanded position (sum of stages)."""
-        if not raw.QZVDT_OnDT_BM(self._p, A.real(target, "target"), A.addr(self._out)):
+        """One control cycle towards target; returns the commanded position (sum of stages). A
+        NaN or infinite target raises InvalidArgumentError and the cycle is not stepped."""
+        t = A.finite(target, "target")
+        if not self._guarded(lambda: raw.QZVDT_OnDT_BM(self._p, t, A.addr(self._out)),
+                             self._out):
             _refused("step")
         return float(self._out[0])
 
-    def _run(self, t):
-        pos = np.empty(len(t))
-        f, s, out = raw.QZVDT_OnDT_BM, self._p, A.base(pos)
-        for i, x in enumerate(t.tolist()):
-            if not f(s, x, out + 8 * i):
-                _refused("run")
+    def _run(self, t, n, tstep):
+        pos = np.empty(n)
+        done = self._guarded(lambda: batch.qzb_run_tracker_m(
+            address("QZVDT_OnDT_BM"), self._p, n, t.ctypes.data, tstep, pos.ctypes.data), pos)
+        if done < n:
+            _refused("run")
         return Path(pos, None, None)
 
     def reset(self) -> None:
@@ -245,17 +312,14 @@ class _NAxis(_Tracker):
 
     def _setup(self, cycle_ms, vel_limits, acc_limits, jerk_limits):
         n = len(A.array(vel_limits, "vel_limits"))
-        vel = A.per_axis(vel_limits, "vel_limits")
-        acc = A.per_axis(acc_limits, "acc_limits", n=n)
-        jerk = A.per_axis(jerk_limits, "jerk_limits", n=n)
-        for name, arr in (("vel_limits", vel), ("acc_limits", acc), ("jerk_limits", jerk)):
-            if not np.isfinite(arr).all():
-                raise InvalidArgumentError("%s: must be finite, got %s" % (name, arr[:n].tolist()))
+        vel = A.per_axis(_positive_limits(vel_limits, "vel_limits"), "vel_limits")
+        acc = A.per_axis(_positive_limits(acc_limits, "acc_limits"), "acc_limits", n=n)
+        jerk = A.per_axis(_positive_limits(jerk_limits, "jerk_limits"), "jerk_limits", n=n)
         self._n, self._one = n, (n,)
-        return vel, acc, jerk
+        return _positive(cycle_ms, "cycle_ms"), vel, acc, jerk
 
-    def _span_warnings(self, cycle, acc, jerk):
-        """Warns where an averaging span, trunc(1000 acc / jerk / cycle_ms) cycles, is clamped:
+    def _span_warnings(self, clamps, cycle, acc, jerk):
+        """Notes where an averaging span, trunc(1000 acc / jerk / cycle_ms) cycles, is clamped:
         the jerk the smoothing allows is then about acc / (span * cycle) instead."""
         lo, hi = self._SPAN
         dt = min(max(cycle, CYCLE_RANGE[0]), CYCLE_RANGE[1]) / 1000.0
@@ -268,11 +332,12 @@ class _NAxis(_Tracker):
                 msgs.append("axis %d: %.4g cycles clamped to %d (jerk about %.4g instead of %g)"
                             % (i, want, span, a / (span * dt), jerk[i]))
         if msgs:
-            A.warn("jerk_limits: averaging spans outside [%d, %d] cycles: %s"
-                   % (lo, hi, "; ".join(msgs)))
+            clamps.add("jerk_limits", "jerk_limits: averaging spans outside [%d, %d] cycles: %s"
+                       % (lo, hi, "; ".join(msgs)))
 
     @property
     def axes(self) -> int:
+        """Number of axes."""
         return self._n
 
     @property
@@ -282,6 +347,22 @@ class _NAxis(_Tracker):
 
     def _targets(self, targets):
         return A.per_axis(targets, "targets", n=self._n)
+
+    def _run(self, t, n, tstep):
+        """n cycles through the class's compiled loop (_loop), positions, velocities and
+        accelerations for every axis."""
+        out = [np.empty((n, self._n)) for _ in range(3)]
+        done = self._guarded(lambda: self._loop(n, t.ctypes.data, tstep,
+                                                *[a.ctypes.data for a in out]), out[0])
+        if done < n:
+            _refused("run")
+        return Path(*out)
+
+    def _stepped(self, fn, *args):
+        """One cycle of fn(record, *args, positions) under the guard; the positions."""
+        if not self._guarded(lambda: fn(self._p, *args, A.addr(self._pos)), self._pos):
+            return None
+        return self._pos[:self._n].copy()
 
     def _current(self, fn):
         t, pos, vel, acc = (np.zeros(8) for _ in range(4))
@@ -322,48 +403,48 @@ class SmoothedTracker(_NAxis):
     """Up to eight axes, each a single-axis tracker whose output passes a moving average sized
     from its jerk limit (span trunc(1000 acc / jerk / cycle_ms) cycles, clamped to [3, 30]), so
     the smoothed motion is limited in jerk too. The axes are not synchronised in time. Jerk
-    limits must lie in [1, 1e12] units/s^3."""
+    limits must lie in [1, 1e12] units/s^3.
+
+    The jerk limit bounds a ramp of the acceleration from 0 to its limit; a swing from -acc to
+    +acc is spread over the same span, so the jerk can reach about twice the parameter (a little
+    more where the span is truncated): give half the jerk the arm may take."""
 
     _Rec = QZNSyncDTSState
 
     def __init__(self, cycle_ms: float, vel_limits, acc_limits, jerk_limits):
         super().__init__()
-        vel, acc, jerk = self._setup(cycle_ms, vel_limits, acc_limits, jerk_limits)
+        cycle, vel, acc, jerk = self._setup(cycle_ms, vel_limits, acc_limits, jerk_limits)
         for i in range(self._n):
             if not 1.0 <= jerk[i] <= 1e12:
                 raise InvalidArgumentError("jerk_limits[%d]: must lie in [1, 1e12], got %g"
                                            % (i, jerk[i]))
-        cycle = _init_limits(cycle_ms, vel[:self._n], acc[:self._n], "vel_limits[%d]",
-                             "acc_limits[%d]")
+        clamps = _Clamps()
+        _init_limits(clamps, cycle, vel[:self._n], acc[:self._n], "vel_limits[%d]",
+                     "acc_limits[%d]")
         if not raw.QZNSyncDTS_OnInit(self._p, self._n, cycle, A.addr(vel), A.addr(acc),
                                      A.addr(jerk)):
             raise InvalidArgumentError("the library refused the limits")
-        self._span_warnings(cycle, acc, jerk)
+        self._span_warnings(clamps, cycle, acc, jerk)
+        clamps.warn()
         self._pos = np.zeros(8)
 
     def _stage0(self, i):
         return self._rec.axis[i]
 
     def step(self, targets) -> np.ndarray:
-        """One control cycle towards the targets; returns the smoothed positions."""
-        if not raw.QZNSyncDTS_OnDT(self._p, A.addr(self._targets(targets)), A.addr(self._pos)):
-            _refused("step")
-        return self._pos[:self._n].copy()
+        """One control cycle towards the targets; returns the smoothed positions. A NaN or
+        infinite target raises InvalidArgumentError and the cycle is not stepped."""
+        out = self._stepped(raw.QZNSyncDTS_OnDT, A.addr(self._targets(targets)))
+        return _refused("step") if out is None else out
 
-    def _run(self, t):
-        pos, vel, acc = (np.empty(t.shape) for _ in range(3))
-        f, s, row = raw.QZNSyncDTS_OnDT2, self._p, 8 * self._n
-        pt, pp, pv, pa = A.base(t), A.base(pos), A.base(vel), A.base(acc)
-        for k in range(0, row * len(t), row):
-            if not f(s, pt + k, pp + k, pv + k, pa + k):
-                _refused("run")
-        return Path(pos, vel, acc)
+    def _loop(self, n, t, tstep, pos, vel, acc):
+        return batch.qzb_run_rows(address("QZNSyncDTS_OnDT2"), self._p, n, self._n, t, tstep,
+                                  pos, vel, acc)
 
     def hold(self) -> np.ndarray:
         """One control cycle towards the targets of the last step."""
-        if not raw.QZNSyncDTS_OnDT_NoChange(self._p, A.addr(self._pos)):
-            _refused("hold")
-        return self._pos[:self._n].copy()
+        out = self._stepped(raw.QZNSyncDTS_OnDT_NoChange)
+        return _refused("hold") if out is None else out
 
     def reset(self) -> None:
         """Makes the next step start every axis afresh at its target."""
@@ -392,18 +473,19 @@ class SmoothedMultiStageTracker(_NAxis):
 
     def __init__(self, cycle_ms: float, vel_limits, acc_limits, jerk_limits, mode: int = 0):
         super().__init__()
-        vel, acc, jerk = self._setup(cycle_ms, vel_limits, acc_limits, jerk_limits)
+        cycle, vel, acc, jerk = self._setup(cycle_ms, vel_limits, acc_limits, jerk_limits)
         m = A.integer(mode, "mode", -2 ** 31, 2 ** 31 - 1)
-        cycle = A.finite(cycle_ms, "cycle_ms")
-        A.clamped(cycle, *CYCLE_RANGE, "cycle_ms", " ms")
+        clamps = _Clamps()
+        _init_limits(clamps, cycle, [], [], "vel_limits", "acc_limits")
         for i in range(self._n):
-            _stage_clamps(vel[i], acc[i], m, "axis %d: " % i)
-            A.clamped(jerk[i], 1000.0, 1e7, "jerk_limits[%d]" % i, " units/s^3")
+            _stage_clamps(clamps, vel[i], acc[i], m, "axis %d: " % i, "vel_limits", "acc_limits")
+            clamps.check("jerk_limits", jerk[i], 1000.0, 1e7, "jerk_limits[%d]" % i, " units/s^3")
         if not raw.QZNSyncDTS_OnInitM(self._p, self._n, cycle, A.addr(vel), A.addr(acc),
                                       A.addr(jerk), m):
             raise InvalidArgumentError("the library refused the limits")
         if m == 0:
-            self._span_warnings(cycle, acc, jerk)
+            self._span_warnings(clamps, cycle, acc, jerk)
+        clamps.warn()
         self.jerk_limits = jerk[:self._n].copy()  # as clamped by the initialiser
         self._pos, self._scratch = np.zeros(8), np.zeros(16)
 
@@ -415,6 +497,7 @@ class SmoothedMultiStageTracker(_NAxis):
 
     @property
     def mode(self) -> int:
+        """The cascade mode of every axis (0: the plain tracker with smoothing)."""
         return self._rec.axis[0].mode
 
     @property
@@ -423,34 +506,31 @@ class SmoothedMultiStageTracker(_NAxis):
         return np.array([bool(self._rec.axis[i].targetJump) for i in range(self._n)])
 
     def clear_target_jumps(self) -> None:
+        """Clears the sticky target-jump flags of every axis."""
         for i in range(self._n):
             self._rec.axis[i].targetJump = 0
 
     def step(self, targets) -> np.ndarray:
-        """One control cycle towards the targets; returns the smoothed positions."""
-        if not raw.QZNSyncDTS_OnDTM(self._p, A.addr(self._targets(targets)), A.addr(self._pos)):
-            _refused("step")
-        return self._pos[:self._n].copy()
+        """One control cycle towards the targets; returns the smoothed positions. A NaN or
+        infinite target raises InvalidArgumentError and the cycle is not stepped."""
+        out = self._stepped(raw.QZNSyncDTS_OnDTM, A.addr(self._targets(targets)))
+        return _refused("step") if out is None else out
 
-    def _run(self, t):
-        pos, vel, acc = (np.empty(t.shape) for _ in range(3))
-        f, get, s, row = raw.QZNSyncDTS_OnDTM, raw.QZNSyncDTS_OnGetCurPVAM, self._p, 8 * self._n
-        pt, pp, pv, pa = A.base(t), A.base(pos), A.base(vel), A.base(acc)
-        st, sp = A.base(self._scratch), A.base(self._scratch) + 64
-        for k in range(0, row * len(t), row):
-            if not f(s, pt + k, pp + k):
-                _refused("run")
-            get(s, st, sp, pv + k, pa + k)
-        return Path(pos, vel, acc)
+    def _loop(self, n, t, tstep, pos, vel, acc):
+        return batch.qzb_run_rows_query(address("QZNSyncDTS_OnDTM"),
+                                        address("QZNSyncDTS_OnGetCurPVAM"), self._p, n, self._n,
+                                        t, tstep, pos, vel, acc, self._scratch.ctypes.data)
 
     def hold(self) -> np.ndarray:
         """One control cycle towards the stored targets. Raises StateError while a reset is
         pending."""
-        if not raw.QZNSyncDTS_OnDT_UM(self._p, A.addr(self._pos)):
+        out = self._stepped(raw.QZNSyncDTS_OnDT_UM)
+        if out is None:
             raise StateError("hold() refused: a reset is pending until the next step")
-        return self._pos[:self._n].copy()
+        return out
 
     def reset(self) -> None:
+        """Makes the next step start every axis afresh at its target."""
         if not raw.QZNSyncDTS_OnEmptyM(self._p):
             _refused("reset")
 

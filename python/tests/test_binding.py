@@ -86,9 +86,9 @@ def test_a_library_of_another_major_version_or_none_is_refused_by_name():
     class Foreign:
         _name = "/opt/other/libQZMath.so.2"
         QZ_Version = staticmethod(lambda: 20103)
-    with pytest.raises(ImportError, match=r"qzmath " + re.escape(_api.VERSION) +
-                       r" needs libQZMath 1\.x, but /opt/other/libQZMath\.so\.2 is "
-                       r"libQZMath 2\.1\.3"):
+    expected = (r"qzmath %s needs libQZMath 1\.x, but /opt/other/libQZMath\.so\.2 is "
+                r"libQZMath 2\.1\.3" % re.escape(_api.VERSION))
+    with pytest.raises(ImportError, match=expected):
         _api.check_version(Foreign())
     # A library that is no QZMath at all, named by QZMATH_LIB, fails the import itself.
     assert "has no version query" in import_error(os.path.join(HERE, ".."),

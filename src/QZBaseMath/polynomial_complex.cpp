@@ -157,8 +157,8 @@ int32_t Quartic(double a, double b, double c, double d, double e, double *re, do
     // rho = sqrt(W); F and G are the quantities whose square roots split each pair.
     double rhoR = 0.0;
     double rhoI = 0.0;
-    Cplx f;
-    Cplx g;
+    Cplx f{};
+    Cplx g{};
     if (W > 0.0) {
         rhoR = Sqrt(W);
         const double V = N / rhoR;

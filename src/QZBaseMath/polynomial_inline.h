@@ -23,7 +23,7 @@ struct Cardano {
 };
 
 inline Cardano CardanoOf(double A, double B, double C) {
-    Cardano k;
+    Cardano k{};
     k.Q = (3.0 * B - A * A) / 9.0;
     k.R = ((9.0 * B - 2.0 * (A * A)) * A - 27.0 * C) / 54.0;
     k.disc = k.Q * k.Q * k.Q + k.R * k.R;

@@ -35,8 +35,8 @@ QZ_API double QZ_ATan2(double y, double x) { return ATan2(y, x); }
 QZ_API double QZ_ACOS(double x) { return ACos(x); }
 QZ_API double QZ_MAX(double a, double b) { return Max(a, b); }
 QZ_API double QZ_MIN(double a, double b) { return Min(a, b); }
-QZ_API uint8_t QZ_IsZero(double x) { return IsZero(x); }
-QZ_API uint8_t QZ_IsZeroL(double x) { return IsZeroL(x); }
+QZ_API uint8_t QZ_IsZero(double x) { return IsZero(x) ? 1 : 0; }
+QZ_API uint8_t QZ_IsZeroL(double x) { return IsZeroL(x) ? 1 : 0; }
 
 // The floor through a 32-bit integer part, so that a whole x (including -0.0) comes back as the
 // very same double. Magnitudes from 2^31 on do not fit that integer part: there the true floor

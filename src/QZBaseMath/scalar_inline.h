@@ -66,10 +66,8 @@ inline double Min(double a, double b) {
     return std::signbit(a) ? a : b;
 }
 // Closed bands: both ends count as zero, NaN does not.
-inline std::uint8_t IsZero(double x) { return (x >= -kZeroTol && x <= kZeroTol) ? 1 : 0; }
-inline std::uint8_t IsZeroL(double x) {
-    return (x >= -kZeroTolLoose && x <= kZeroTolLoose) ? 1 : 0;
-}
+inline bool IsZero(double x) { return x >= -kZeroTol && x <= kZeroTol; }
+inline bool IsZeroL(double x) { return x >= -kZeroTolLoose && x <= kZeroTolLoose; }
 inline double ValueSig(double x) {
     if (x > 0.0) return 1.0;
     if (x < 0.0) return -1.0;

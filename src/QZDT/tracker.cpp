@@ -52,12 +52,7 @@ double LawAcc(const QZVDTState *s, double target) {
     const double e = s->pos - target;
     const double y = e + h * v;
     const double a0 = Sqrt((A * 8.0) * Fabs(y) + d * d);
-    double m;
-    if (Fabs(y) <= d0) {
-        m = y / h + v;
-    } else {
-        m = v + (ValueSig(y) * 0.5) * (a0 - d);
-    }
+    const double m = Fabs(y) <= d0 ? y / h + v : v + (ValueSig(y) * 0.5) * (a0 - d);
     if (Fabs(m) <= d) return (m * (-A)) / d;
     return ValueSig(m) * (-A);
 }
@@ -68,7 +63,7 @@ std::uint8_t VdtInit(QZVDTState *s, double cycleMs, double velLmt, double accLmt
     s->velLmtPending = 0;
     const double v = velLmt < kVelMin ? kVelMin : Min(velLmt, kVelMax);
     const double a = accLmt < kAccMin ? kAccMin : Min(accLmt, kAccMax);
-    double dt;
+    double dt = 0.0;
     if (cycleMs < 1.0) {
         dt = 0.001;
     } else if (cycleMs > 1000.0) {

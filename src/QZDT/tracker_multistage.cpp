@@ -52,7 +52,7 @@ std::uint8_t VdtmEmpty(QZVDTMState *s) {
 }
 
 std::uint8_t VdtmStep(QZVDTMState *s, double target, double *out) {
-    double y0;
+    double y0 = 0.0;
     if (VdtStep(&s->stage[0], target, &y0) == 0) return 0;
     if (s->mode == 0) {
         *out = y0;

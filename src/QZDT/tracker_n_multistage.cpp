@@ -43,7 +43,7 @@ std::uint8_t MultiStageSmoothedInit(QZNSyncDTSMState *s, std::int32_t n, double 
         }
         s->axis[i].mode = mode;
         VdtmInit(&s->axis[i], cycleMs, velLmt[i], accLmt[i], mode);
-        std::int32_t span;
+        std::int32_t span = 0;
         if (mode == 1) {
             span = kSpanMode1;
         } else if (mode != 0) {

@@ -11,6 +11,7 @@
 // for n = 8 with about 1,000 products instead of 69,000 and no copying of minors.
 #include "QZMatrix.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace qz::detail {
@@ -32,9 +33,9 @@ double Determinant(const double *A, std::int32_t n) {
     count[0] = 0;
     const unsigned all = (1u << n) - 1u;
     for (unsigned set = 1; set <= all; ++set) {
-        const int size = count[set >> 1] + (set & 1u);
+        const int size = count[set >> 1] + static_cast<int>(set & 1u);
         count[set] = static_cast<unsigned char>(size);
-        const double *row = A + (n - size) * kDetStride;
+        const double *row = A + static_cast<std::ptrdiff_t>(n - size) * kDetStride;
         if (size == 1) {
             minor[set] = row[__builtin_ctz(set)];
             continue;
@@ -44,10 +45,11 @@ double Determinant(const double *A, std::int32_t n) {
         for (unsigned rest = set; rest != 0; rest &= rest - 1, ++k) {
             const unsigned bit = rest & (~rest + 1u);
             const double term = minor[set ^ bit] * row[__builtin_ctz(bit)];
-            det = (k & 1) ? det - term : det + term;
+            det = (k & 1) != 0 ? det - term : det + term;
         }
         minor[set] = det;
     }
+    // cppcheck-suppress uninitvar ; n >= 2 here, so the loop has written every minor up to all
     return minor[all];
 }
 

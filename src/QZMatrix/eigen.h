@@ -18,6 +18,7 @@
 #ifndef QZ_MATRIX_EIGEN_H
 #define QZ_MATRIX_EIGEN_H
 
+#include <cstddef>
 #include <cstdint>
 
 #include "QZBaseMath/scalar_inline.h"
@@ -79,8 +80,8 @@ inline long JacobiEig(int n, double *A, double *V, double eps, long cap) {
             if (rotations == cap) return -1;
             ++rotations;
 
-            double *rp = A + p * n;
-            double *rq = A + q * n;
+            double *rp = A + static_cast<std::ptrdiff_t>(p) * n;
+            double *rq = A + static_cast<std::ptrdiff_t>(q) * n;
             const double x = -rp[q];
             const double y = (rq[q] - rp[p]) * 0.5;
             // Equal diagonal entries and an off-diagonal entry below about 1e-162 make x^2 + y^2

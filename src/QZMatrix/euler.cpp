@@ -16,6 +16,7 @@
 //     (B = -pi/2), the only combination the matrix still defines.
 #include "QZMatrix.h"
 
+#include <cstddef>
 #include <cstdint>
 
 #include "QZBaseMath/scalar_inline.h"
@@ -121,7 +122,7 @@ using namespace qz::detail;
 extern "C" {
 
 QZ_API void QZ_RotXARC(double angle, double *r) {
-    double s, c;
+    double s = 0.0, c = 0.0;
     SinCosArc(angle, &s, &c);
     r[0] = 1.0;
     r[1] = 0.0;
@@ -135,7 +136,7 @@ QZ_API void QZ_RotXARC(double angle, double *r) {
 }
 
 QZ_API void QZ_RotYARC(double angle, double *r) {
-    double s, c;
+    double s = 0.0, c = 0.0;
     SinCosArc(angle, &s, &c);
     r[0] = c;
     r[1] = 0.0;
@@ -149,7 +150,7 @@ QZ_API void QZ_RotYARC(double angle, double *r) {
 }
 
 QZ_API void QZ_RotZARC(double angle, double *r) {
-    double s, c;
+    double s = 0.0, c = 0.0;
     SinCosArc(angle, &s, &c);
     r[0] = c;
     r[1] = -s;
@@ -235,7 +236,7 @@ QZ_API void QZ_CALC_TRANS_FROM_Rotxyz(const double *abc, double *r) {
 
 // out = T * Rz, Rz given by (c, s) as used (not normalised); the origin column is kept.
 QZ_API void QZ_XYZMRot(const double *t, double c, double s, double *out) {
-    for (int i = 0; i < 3; ++i) {
+    for (std::ptrdiff_t i = 0; i < 3; ++i) {
         const double *ti = t + 4 * i;
         double *oi = out + 4 * i;
         oi[0] = ti[0] * c + ti[1] * s;

@@ -27,7 +27,7 @@ inline void XyzBlock(double sA, double cA, double sB, double cB, double sC, doub
 // three angles are read before r is written.
 template <int Stride, bool Deg>
 inline void XyzFromAngles(const double *abc, double *r) {
-    double sA, cA, sB, cB, sC, cC;
+    double sA = 0.0, cA = 0.0, sB = 0.0, cB = 0.0, sC = 0.0, cC = 0.0;
     if (Deg) {
         SinCosDeg(abc[0], &sA, &cA);
         SinCosDeg(abc[1], &sB, &cB);

@@ -16,19 +16,18 @@ constexpr double kParallelTol = 1e-8;
 
 // Sorts three values into ascending order.
 inline void Sort3(double &a, double &b, double &c) {
-    double t;
     if (b < a) {
-        t = a;
+        const double t = a;
         a = b;
         b = t;
     }
     if (c < b) {
-        t = b;
+        const double t = b;
         b = c;
         c = t;
     }
     if (b < a) {
-        t = a;
+        const double t = a;
         a = b;
         b = t;
     }

@@ -11,6 +11,9 @@
 // reads only columns it has finished, the inverse reads its input into a local copy and writes
 // all of its output or nothing, and a failure returns before anything reaches V or lambda.
 #include "QZMatrix.h"
+
+#include <cstddef>
+
 #include "QZMatrix/cholesky.h"
 #include "QZMatrix/eigen.h"
 #include "QZMatrix/inverse.h"
@@ -23,11 +26,11 @@ std::uint8_t GeneralizedEig6(double eps, const double *A, const double *B, doubl
                              double *lambda) {
     double L[36], Li[36], LiT[36], T[36], K[36], W[36];
     if (CholeskyStrided<6>(B, L, 6) != 0) return 0;
-    if (!MatrixInv<6>(L, Li)) return 0;
+    if (MatrixInv<6>(L, Li) == 0) return 0;
     MatrixTranspose<6>(Li, LiT);
     MatrixMult<6>(A, LiT, T);
     MatrixMult<6>(Li, T, K);
-    if (!Eig(6, K, W, eps)) return 0;
+    if (Eig(6, K, W, eps) == 0) return 0;
 
     lambda[0] = K[2 * 6 + 2];
     lambda[1] = K[1 * 6 + 1];
@@ -37,7 +40,7 @@ std::uint8_t GeneralizedEig6(double eps, const double *A, const double *B, doubl
     lambda[5] = K[4 * 6 + 4];
     double *X = T;  // T is free again; X = L^-T W.
     MatrixMult<6>(LiT, W, X);
-    for (int r = 0; r < 6; ++r) {
+    for (std::ptrdiff_t r = 0; r < 6; ++r) {
         const double *x = X + r * 6;
         double *v = V + r * 6;
         v[0] = x[2];
@@ -54,11 +57,11 @@ std::uint8_t GeneralizedEig7(double eps, const double *A, const double *B, doubl
                              double *lambda) {
     double G[49], GInv[49], GInvT[49], T[49], K[49], W[49];
     if (CholeskyStrided<7>(B, G, 7) != 0) return 0;
-    if (!MatrixInv<7>(G, GInv)) return 0;
+    if (MatrixInv<7>(G, GInv) == 0) return 0;
     MatrixTranspose<7>(GInv, GInvT);
     MatrixMult<7>(A, GInvT, T);
     MatrixMult<7>(GInv, T, K);
-    if (!Eig(7, K, W, eps)) return 0;
+    if (Eig(7, K, W, eps) == 0) return 0;
 
     for (int i = 0; i < 7; ++i) lambda[i] = K[i * 7 + i];
     MatrixMult<7>(GInvT, W, T);

@@ -21,6 +21,7 @@
 #ifndef QZ_MATRIX_INVERSE_H
 #define QZ_MATRIX_INVERSE_H
 
+#include <cstddef>
 #include <cstdint>
 
 #include "QZBaseMath/scalar_inline.h"
@@ -41,10 +42,14 @@ inline constexpr double kUnitRow[2 * kMaxInv] = {0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0
 // A lane-wise selection mask: all bits set in the lanes to take from the first operand.
 using PairMask = long long __attribute__((vector_size(16)));
 
+// Vector types of one size reinterpret their bits without conversion, which is what a lane mask
+// needs.
+// NOLINTBEGIN(cppcoreguidelines-pro-type-reinterpret-cast)
 inline Pair Select(PairMask take_a, Pair a, Pair b) {
     return reinterpret_cast<Pair>((reinterpret_cast<PairMask>(a) & take_a) |
                                   (reinterpret_cast<PairMask>(b) & ~take_a));
 }
+// NOLINTEND(cppcoreguidelines-pro-type-reinterpret-cast)
 
 // Index of the highest set bit of a nonzero mask.
 inline int HighestBit(unsigned mask) { return 31 - __builtin_clz(mask); }
@@ -60,11 +65,11 @@ inline std::uint8_t MatrixInv(const double *A, double *Ainv) {
     Pair w[N][kP];
     int perm[N];
     QZ_INV_UNROLL
-    for (int i = 0; i < N; ++i) {
+    for (std::ptrdiff_t i = 0; i < N; ++i) {
         QZ_INV_UNROLL
-        for (int q = 0; q < N / 2; ++q) w[i][q] = LoadPair(A + i * N + 2 * q);
+        for (std::ptrdiff_t q = 0; q < N / 2; ++q) w[i][q] = LoadPair(A + i * N + 2 * q);
         if constexpr (kOdd) w[i][kP - 1] = Pair{A[i * N + N - 1], 0.0};
-        perm[i] = i;
+        perm[i] = static_cast<int>(i);
     }
     // Element [i][j] of W.
     auto at = [&w](int i, int j) { return w[i][j / 2][j % 2]; };
@@ -137,7 +142,7 @@ inline std::uint8_t MatrixInv(const double *A, double *Ainv) {
         // Start from row perm[i] of the identity: 1.0 in column perm[i], 0.0 elsewhere.
         const double *e = kUnitRow + (kMaxInv - 1) - perm[i];
         QZ_INV_UNROLL
-        for (int q = 0; q < kP; ++q) x[i][q] = LoadPair(e + 2 * q);
+        for (std::ptrdiff_t q = 0; q < kP; ++q) x[i][q] = LoadPair(e + 2 * q);
         QZ_INV_UNROLL
         for (int j = 0; j < i; ++j) {
             const double l = at(i, j);
@@ -163,9 +168,9 @@ inline std::uint8_t MatrixInv(const double *A, double *Ainv) {
     }
 
     QZ_INV_UNROLL
-    for (int i = 0; i < N; ++i) {
+    for (std::ptrdiff_t i = 0; i < N; ++i) {
         QZ_INV_UNROLL
-        for (int q = 0; q < N / 2; ++q) StorePair(Ainv + i * N + 2 * q, x[i][q]);
+        for (std::ptrdiff_t q = 0; q < N / 2; ++q) StorePair(Ainv + i * N + 2 * q, x[i][q]);
         if constexpr (kOdd) Ainv[i * N + N - 1] = x[i][kP - 1][0];
     }
     return 1;

@@ -3,6 +3,8 @@
 // product of the 6x7 shape.
 #include "QZMatrix.h"
 
+#include <cstddef>
+
 #include "QZMatrix/matrix.h"
 
 namespace qz::detail {
@@ -40,11 +42,11 @@ QZ_API void QZ_JACOB_TRAN_T67(const double *J, const double *R, double *out) {
 // The same rotation with the sums formed straight from J into out, one element after another:
 // no local copy, so out must be separate from J.
 QZ_API void QZ_JACOBI_TRANS_T67(const double *J, const double *R, double *out) {
-    for (int j = 0; j < 7; ++j) {
-        for (int half = 0; half < 6; half += 3) {
+    for (std::ptrdiff_t j = 0; j < 7; ++j) {
+        for (std::ptrdiff_t half = 0; half < 6; half += 3) {
             const double *c = J + half * 7 + j;
             double *o = out + half * 7 + j;
-            for (int i = 0; i < 3; ++i) {
+            for (std::ptrdiff_t i = 0; i < 3; ++i) {
                 o[i * 7] = R[3 * i] * c[0] + R[3 * i + 1] * c[7] + R[3 * i + 2] * c[14];
             }
         }

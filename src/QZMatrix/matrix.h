@@ -16,6 +16,7 @@
 #ifndef QZ_MATRIX_MATRIX_H
 #define QZ_MATRIX_MATRIX_H
 
+#include <cstddef>
 #include <cstdint>
 
 namespace qz::detail {
@@ -32,6 +33,9 @@ inline Pair LoadPair(const double *p) {
     return r;
 }
 inline void StorePair(double *p, Pair x) { __builtin_memcpy(p, &x, sizeof x); }
+
+// The smaller of two sizes, for block sizes fixed at compile time.
+constexpr int SmallerOf(int a, int b) { return a < b ? a : b; }
 
 // The first term of a running sum: the product itself, or the product added to 0.0.
 template <Start S, typename T>
@@ -51,11 +55,11 @@ inline T FirstTerm(T product) {
 // every row of B loaded once.
 template <int R, int P, int LDA>
 inline void MatMulStep(Pair (*acc)[P / 2 > 0 ? P / 2 : 1], double *last, const double *A,
-                       const double *b, int k) {
+                       const double *b, std::ptrdiff_t k) {
     constexpr int kPairs = P / 2;
     Pair bq[kPairs > 0 ? kPairs : 1];
-    for (int q = 0; q < kPairs; ++q) bq[q] = LoadPair(b + 2 * q);
-    for (int r = 0; r < R; ++r) {
+    for (std::ptrdiff_t q = 0; q < kPairs; ++q) bq[q] = LoadPair(b + 2 * q);
+    for (std::ptrdiff_t r = 0; r < R; ++r) {
         const double a = A[r * LDA + k];
         const Pair a2 = {a, a};
         for (int q = 0; q < kPairs; ++q) acc[r][q] = acc[r][q] + a2 * bq[q];
@@ -69,24 +73,26 @@ inline void MatMulRows(const double *A, const double *B, double *Out) {
     constexpr bool kOdd = (P % 2) != 0;
     Pair acc[R][kPairs > 0 ? kPairs : 1];
     double last[R];
-    for (int r = 0; r < R; ++r) {
+    for (std::ptrdiff_t r = 0; r < R; ++r) {
         const double a = A[r * LDA];
         const Pair a2 = {a, a};
-        for (int q = 0; q < kPairs; ++q) acc[r][q] = FirstTerm<S>(a2 * LoadPair(B + 2 * q));
+        for (std::ptrdiff_t q = 0; q < kPairs; ++q) {
+            acc[r][q] = FirstTerm<S>(a2 * LoadPair(B + 2 * q));
+        }
         if (kOdd) last[r] = FirstTerm<S>(a * B[P - 1]);
     }
     if constexpr (K * P <= 16) {
         // Small enough for every operand to stay in registers: straight-line code.
 #pragma GCC unroll 8
-        for (int k = 1; k < K; ++k) MatMulStep<R, P, LDA>(acc, last, A, B + k * LDB, k);
+        for (std::ptrdiff_t k = 1; k < K; ++k) MatMulStep<R, P, LDA>(acc, last, A, B + k * LDB, k);
     } else {
         // Unrolled, this loop would let the compiler load every operand up front and spill the
         // running sums; one k per iteration keeps them all in registers.
 #pragma GCC unroll 1
-        for (int k = 1; k < K; ++k) MatMulStep<R, P, LDA>(acc, last, A, B + k * LDB, k);
+        for (std::ptrdiff_t k = 1; k < K; ++k) MatMulStep<R, P, LDA>(acc, last, A, B + k * LDB, k);
     }
-    for (int r = 0; r < R; ++r) {
-        for (int q = 0; q < kPairs; ++q) StorePair(Out + r * P + 2 * q, acc[r][q]);
+    for (std::ptrdiff_t r = 0; r < R; ++r) {
+        for (std::ptrdiff_t q = 0; q < kPairs; ++q) StorePair(Out + r * P + 2 * q, acc[r][q]);
         if (kOdd) Out[r * P + P - 1] = last[r];
     }
 }
@@ -95,11 +101,12 @@ inline void MatMulRows(const double *A, const double *B, double *Out) {
 // the running sum over increasing k, started as S says.
 template <int M, int K, int P, Start S, int LDA = K, int LDB = P>
 inline void MatMul(const double *A, const double *B, double *Out) {
+    // cppcheck-suppress redundantCondition ; sizes are parameters, some instantiations repeat one
     static_assert(M > 0 && K > 0 && P > 0, "empty products have no fixed shape");
     // Rows taken together: up to four when a row's sums fit in two registers, else two, so that
     // the running sums and one row of B stay within the sixteen vector registers.
-    constexpr int kBlock = P <= 3 ? (M < 4 ? M : 4) : (M < 2 ? M : 2);
-    for (int i = 0; i + kBlock <= M; i += kBlock) {
+    constexpr int kBlock = P <= 3 ? SmallerOf(M, 4) : SmallerOf(M, 2);
+    for (std::ptrdiff_t i = 0; i + kBlock <= M; i += kBlock) {
         // Reload B for every block of rows rather than keep all of it live across the loop: it
         // does not fit the registers and would be spilled to the stack and reloaded anyway.
         const double *b = B;
@@ -108,7 +115,7 @@ inline void MatMul(const double *A, const double *B, double *Out) {
     }
     constexpr int kRest = M % kBlock;
     if constexpr (kRest > 0) {
-        constexpr int i = M - kRest;
+        constexpr std::ptrdiff_t i = M - kRest;
         MatMulRows<kRest, K, P, S, LDA, LDB>(A + i * LDA, B, Out + i * P);
     }
 }
@@ -120,8 +127,9 @@ inline void MatMul(const double *A, const double *B, double *Out) {
 // still in increasing k.
 template <int M, int K, Start S, int LD = K>
 inline void MatVec(const double *Mat, const double *v, double *out) {
+    // cppcheck-suppress redundantCondition ; sizes are parameters, some instantiations repeat one
     static_assert(M > 0 && K > 0, "empty products have no fixed shape");
-    for (int i = 0; i + 1 < M; i += 2) {
+    for (std::ptrdiff_t i = 0; i + 1 < M; i += 2) {
         const double *m0 = Mat + i * LD;
         const double *m1 = m0 + LD;
         Pair acc = {0.0, 0.0};
@@ -142,7 +150,7 @@ inline void MatVec(const double *Mat, const double *v, double *out) {
         StorePair(out + i, acc);
     }
     if (M % 2) {
-        const double *m = Mat + (M - 1) * LD;
+        const double *m = Mat + static_cast<std::ptrdiff_t>(M - 1) * LD;
         double acc = FirstTerm<S>(m[0] * v[0]);
         for (int k = 1; k < K; ++k) acc = acc + m[k] * v[k];
         out[M - 1] = acc;

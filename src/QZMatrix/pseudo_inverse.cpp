@@ -19,7 +19,7 @@ std::uint8_t LeftPsoInv76(const double *A, double *Apinv) {
     double Minv[36];
     MatTranspose<7, 6>(A, At);
     MatMul<6, 7, 6, Start::kZero>(At, A, M);
-    if (!MatrixInv<6>(M, Minv)) return 0;
+    if (MatrixInv<6>(M, Minv) == 0) return 0;
     MatMul<6, 6, 7, Start::kZero>(Minv, At, Apinv);
     return 1;
 }
@@ -31,7 +31,7 @@ std::uint8_t RightPsoInv67(const double *A, double *Apinv) {
     double Minv[36];
     MatTranspose<6, 7>(A, At);
     MatMul<6, 7, 6, Start::kZero>(A, At, M);
-    if (!MatrixInv<6>(M, Minv)) return 0;
+    if (MatrixInv<6>(M, Minv) == 0) return 0;
     MatMul<7, 6, 6, Start::kZero>(At, Minv, Apinv);
     return 1;
 }

@@ -176,7 +176,7 @@ inline std::int32_t GetVectNormLenA2B(const double *a, const double *b, double *
     if (Fabs(q) < kCoincidentSquared) return 0;
     const double l = Sqrt(q);
     for (int i = 0; i < 3; ++i) out[i] = out[i] / l;
-    if (len) *len = l;
+    if (len != nullptr) *len = l;
     return 1;
 }
 

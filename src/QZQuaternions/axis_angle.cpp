@@ -17,6 +17,8 @@
 // positive.
 #include "QZQuaternions.h"
 
+#include <cstddef>
+
 #include "QZBaseMath/scalar_inline.h"
 #include "QZMatrix/matrix.h"
 #include "QZMatrix/vector.h"
@@ -57,12 +59,12 @@ void AxisAngleToRotmat(const double *r, double *R) {
 // angle. x is the cosine (trace - 1) / 2 as computed for the angle; the largest diagonal element
 // (the first of equals) gives the leading component.
 void NearHalfTurn(const double *R, double x, double theta, const double *anti, double *r) {
-    int i = 0;
+    std::ptrdiff_t i = 0;
     if (R[4] > R[0]) i = 1;
     if (R[8] > R[4 * i]) i = 2;
     const double ki = Sqrt((R[4 * i] - x) / (1.0 - x));
     const double sign = anti[i] < 0.0 ? -1.0 : 1.0;
-    for (int j = 0; j < 3; ++j) {
+    for (std::ptrdiff_t j = 0; j < 3; ++j) {
         const double kj = j == i ? ki : (R[3 * i + j] + R[3 * j + i]) / (2.0 * (1.0 - x) * ki);
         r[j] = theta * (sign * kj);
     }

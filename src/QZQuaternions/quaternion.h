@@ -7,6 +7,7 @@
 #ifndef QZ_QUATERNIONS_QUATERNION_H
 #define QZ_QUATERNIONS_QUATERNION_H
 
+#include <cstddef>
 #include <cstdint>
 
 #include "QZBaseMath/scalar_inline.h"
@@ -41,13 +42,13 @@ inline std::uint32_t QuatNormalize(double *q) {
 // otherwise the largest diagonal element. The comparisons are strict, so ties go to the later
 // form, and the result keeps the sign the chosen form gives it (w > 0 in the first form, the
 // component carrying 0.25 S positive in the others). The result is not normalised.
-template <int Stride>
+template <std::ptrdiff_t Stride>
 inline void RotationToQuat(const double *m, double *q) {
     const double r00 = m[0], r01 = m[1], r02 = m[2];
     const double r10 = m[Stride], r11 = m[Stride + 1], r12 = m[Stride + 2];
     const double r20 = m[2 * Stride], r21 = m[2 * Stride + 1], r22 = m[2 * Stride + 2];
     const double t = r00 + r11 + r22;
-    double x, y, z, w;
+    double x = 0.0, y = 0.0, z = 0.0, w = 0.0;
     if (t > 0.0) {
         const double s = 2.0 * Sqrt(t + 1.0);
         w = 0.25 * s;
@@ -81,7 +82,7 @@ inline void RotationToQuat(const double *m, double *q) {
 
 // Rotation block of the quaternion q, taken to be of unit length, into m[Stride * i + j]. Every
 // doubled term is the term added to itself.
-template <int Stride>
+template <std::ptrdiff_t Stride>
 inline void QuatToRotation(const double *q, double *m) {
     const double x = q[0], y = q[1], z = q[2], w = q[3];
     const double xx = x * x, yy = y * y, zz = z * z;
