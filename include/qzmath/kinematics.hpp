@@ -78,14 +78,14 @@ class Chain {
     // limits (rad, +-1e4 by default). status() says whether the chain accepted them.
     explicit Chain(const std::array<Link, N> &links, const Mat4 &tool = identity(),
                    const Vec<N> &lower = filled(-1e4), const Vec<N> &upper = filled(1e4)) noexcept {
-        double dh[4 * N];
+        double table[4 * N];
         for (std::size_t i = 0; i < N; ++i) {
-            dh[4 * i] = links[i].alpha.value;
-            dh[4 * i + 1] = links[i].a;
-            dh[4 * i + 2] = links[i].d;
-            dh[4 * i + 3] = links[i].offset.value;
+            table[4 * i] = links[i].alpha.value;
+            table[4 * i + 1] = links[i].a;
+            table[4 * i + 2] = links[i].d;
+            table[4 * i + 3] = links[i].offset.value;
         }
-        init_ = detail::kin_status(QZKin_ChainInit(&c_, static_cast<std::int32_t>(N), dh,
+        init_ = detail::kin_status(QZKin_ChainInit(&c_, static_cast<std::int32_t>(N), table,
                                                    tool.data(), lower.data(), upper.data()));
     }
     // ok, or bad_argument when the table, tool or limits were refused (the chain is then unusable).

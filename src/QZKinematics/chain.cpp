@@ -2,6 +2,8 @@
 // sines and cosines of the link twists), the tool transform, the joint limits and the damping.
 #include "QZKinematics.h"
 
+#include <cstddef>
+
 #include "QZBaseMath/scalar_inline.h"
 #include "QZKinematics/kinematics.h"
 
@@ -18,10 +20,10 @@ constexpr double kOrthoTol = 1e-9;  // how far the tool's rotation may be from o
 bool RigidTransform(const double *t) {
     if (!(t[12] == 0.0 && t[13] == 0.0 && t[14] == 0.0 && t[15] == 1.0)) return false;
     if (!AllWithin(t, 12, kKinMaxLength)) return false;
-    for (int i = 0; i < 3; ++i) {
-        for (int k = 0; k < 3; ++k) {
-            const double dot =
-                t[4 * i] * t[4 * k] + t[4 * i + 1] * t[4 * k + 1] + t[4 * i + 2] * t[4 * k + 2];
+    for (std::size_t i = 0; i < 3; ++i) {
+        for (std::size_t k = 0; k < 3; ++k) {
+            const double *ri = t + 4 * i, *rk = t + 4 * k;
+            const double dot = ri[0] * rk[0] + ri[1] * rk[1] + ri[2] * rk[2];
             if (!Within(dot - (i == k ? 1.0 : 0.0), kOrthoTol)) return false;
         }
     }
@@ -42,15 +44,17 @@ QZ_API int32_t QZKin_ChainInit(QZKinChain *c, int32_t n, const double *dh, const
                                const double *qMin, const double *qMax) {
     using namespace qz::detail;
     if (n < 1 || n > QZ_KIN_MAX_JOINTS) return QZ_KIN_ERR_COUNT;
-    for (int i = 0; i < n; ++i) {
+    for (std::size_t i = 0; i < static_cast<std::size_t>(n); ++i) {
         const double *row = dh + 4 * i;
         if (!Within(row[0], kKinMaxLinkAngle) || !Within(row[1], kKinMaxLength) ||
             !Within(row[2], kKinMaxLength) || !Within(row[3], kKinMaxLinkAngle))
             return QZ_KIN_ERR_TABLE;
     }
-    if (tool && !RigidTransform(tool)) return QZ_KIN_ERR_TOOL;
+    const bool hasTool = tool != nullptr, hasLower = qMin != nullptr, hasUpper = qMax != nullptr;
+    if (hasTool && !RigidTransform(tool)) return QZ_KIN_ERR_TOOL;
     for (int i = 0; i < n; ++i) {
-        const double lo = qMin ? qMin[i] : -kKinMaxAngle, hi = qMax ? qMax[i] : kKinMaxAngle;
+        const double lo = hasLower ? qMin[i] : -kKinMaxAngle;
+        const double hi = hasUpper ? qMax[i] : kKinMaxAngle;
         if (!Within(lo, kKinMaxAngle) || !Within(hi, kKinMaxAngle) || lo > hi)
             return QZ_KIN_ERR_LIMITS;
     }
@@ -58,18 +62,18 @@ QZ_API int32_t QZKin_ChainInit(QZKinChain *c, int32_t n, const double *dh, const
     QZKinChain out{};
     out.jointNum = n;
     double reach = 0.0;
-    for (int i = 0; i < n; ++i) {
+    for (std::size_t i = 0; i < static_cast<std::size_t>(n); ++i) {
         const double *row = dh + 4 * i;
         out.alpha[i] = row[0];
         out.a[i] = row[1];
         out.d[i] = row[2];
         out.offset[i] = row[3];
         SinCosArc(row[0], &out.sinAlpha[i], &out.cosAlpha[i]);
-        out.qMin[i] = qMin ? qMin[i] : -kKinMaxAngle;
-        out.qMax[i] = qMax ? qMax[i] : kKinMaxAngle;
+        out.qMin[i] = hasLower ? qMin[i] : -kKinMaxAngle;
+        out.qMax[i] = hasUpper ? qMax[i] : kKinMaxAngle;
         reach = reach + Fabs(row[1]) + Fabs(row[2]);
     }
-    for (int k = 0; k < 16; ++k) out.tool[k] = tool ? tool[k] : (k % 5 == 0 ? 1.0 : 0.0);
+    for (int k = 0; k < 16; ++k) out.tool[k] = hasTool ? tool[k] : (k % 5 == 0 ? 1.0 : 0.0);
     reach = reach + Sqrt(out.tool[3] * out.tool[3] + out.tool[7] * out.tool[7] +
                          out.tool[11] * out.tool[11]);
     out.lengthScale = reach > 0.0 ? reach : 1.0;

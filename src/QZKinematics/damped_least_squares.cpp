@@ -83,7 +83,7 @@ void SolveLowerBoth(const double (&l)[K][K], double *x, double *y) {
     for (int i = 0; i < K; ++i) {
         Pair s = {x[i], y[i]};
         QZ_KIN_UNROLL
-        for (int m = 0; m < i; ++m) s = s - Pair{l[i][m], l[i][m]} * z[m];
+        for (int m = 0; m < i; ++m) s -= Pair{l[i][m], l[i][m]} * z[m];
         z[i] = s;
         x[i] = s[0];
         y[i] = s[1];
@@ -138,6 +138,9 @@ double SmallestSingular(const double (&l)[K][K], const double *invd, double top,
     return Sqrt(top / mu);
 }
 
+// The Gram matrix is formed on the short side of the 6 x n Jacobian.
+constexpr int GramSize(int n) { return n < 6 ? n : 6; }
+
 // Why a solve failed: bad input, or a Jacobian that lost rank with no damping to make up for it.
 std::int32_t Refusal(const double *j, const double *v, int n) {
     if (!AllWithin(j, 6 * n, kKinMaxLength) || !AllWithin(v, 6, kKinMaxLength))
@@ -148,7 +151,7 @@ std::int32_t Refusal(const double *j, const double *v, int n) {
 template <int N>
 std::int32_t Dls(const QZKinChain &c, const double *j, const double *v, double *qdot,
                  double *report) {
-    constexpr int K = N < 6 ? N : 6;
+    constexpr int K = GramSize(N);
     const double inv = 1.0 / c.lengthScale;
     double jn[6][N], vn[6];
     QZ_KIN_UNROLL

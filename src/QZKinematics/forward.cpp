@@ -129,7 +129,7 @@ QZ_API int32_t QZKin_Jacobian(const QZKinChain *c, const double *q, double *j, d
     if (!JointsOk(c, q)) return QZ_KIN_ERR_INPUT;
     double tt[16];
     ForwardJacobian(*c, q, j, tt);
-    if (t)
+    if (t != nullptr)
         for (int k = 0; k < 16; ++k) t[k] = tt[k];
     return QZ_KIN_OK;
 }

@@ -41,7 +41,7 @@ QZ_API int32_t QZKin_SolvePosition(const QZKinChain *c, const double *pose, cons
     double target[7];
     for (int k = 0; k < 7; ++k) target[k] = pose[k];
     if (!AllWithin(target, 3, kKinMaxLength) || !AllWithin(target + 3, 4, 2.0) ||
-        !QuatNormalize(target + 3) || !AllWithin(seed, n, kKinMaxAngle) || maxIter < 1 ||
+        QuatNormalize(target + 3) == 0 || !AllWithin(seed, n, kKinMaxAngle) || maxIter < 1 ||
         maxIter > QZ_KIN_MAX_ITER || !(tolPos > 0.0 && tolPos <= kKinMaxLength) ||
         !(tolRot > 0.0 && tolRot <= kPi))
         return QZ_KIN_ERR_INPUT;
@@ -71,7 +71,7 @@ QZ_API int32_t QZKin_SolvePosition(const QZKinChain *c, const double *pose, cons
     for (int i = 0; i < n; ++i) q[i] = x[i];
     residual[0] = res[0];
     residual[1] = res[1];
-    if (iterations) *iterations = it;
+    if (iterations != nullptr) *iterations = it;
     return converged;
 }
 

@@ -40,7 +40,7 @@ inline bool Within(double x, double bound) { return x >= -bound && x <= bound; }
 // Every x[i] within the bound.
 inline bool AllWithin(const double *x, int n, double bound) {
     bool ok = true;
-    for (int i = 0; i < n; ++i) ok = ok & Within(x[i], bound);
+    for (int i = 0; i < n; ++i) ok = Within(x[i], bound) && ok;
     return ok;
 }
 

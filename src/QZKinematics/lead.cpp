@@ -35,16 +35,17 @@ QZ_API int32_t QZKin_TrackerLead(const QZNSyncDTSState *s, const double *v, cons
     using namespace qz::detail;
     if (s->isInit != 1 || s->axisNum < 1 || s->axisNum > QZ_MAX_AXES) return QZ_KIN_ERR_COUNT;
     const int n = s->axisNum;
-    if (!AllWithin(v, n, kMaxPathRate) || (a && !AllWithin(a, n, kMaxPathRate)))
+    const bool hasAcc = a != nullptr, hasLag = lag != nullptr;
+    if (!AllWithin(v, n, kMaxPathRate) || (hasAcc && !AllWithin(a, n, kMaxPathRate)))
         return QZ_KIN_ERR_INPUT;
     // A record whose limits were set to NaN (the trackers keep a NaN cycle time) has no lag.
     for (int i = 0; i < n; ++i)
         if (!(s->axis[i].accLmt > 0.0) || !Within(s->axis[i].dt, 1.0)) return QZ_KIN_ERR_INPUT;
     for (int i = 0; i < n; ++i) {
         const double l = SteadyLag(*s, i, v[i]);
-        const double acc = a ? a[i] : 0.0;
+        const double acc = hasAcc ? a[i] : 0.0;
         lead[i] = v[i] * l + 0.5 * acc * l * l;
-        if (lag) lag[i] = l;
+        if (hasLag) lag[i] = l;
     }
     return QZ_KIN_OK;
 }

@@ -88,13 +88,17 @@ void OrientationError(const double *qt, const double *qa, double *r) {
     const Pair vxy = Dot4(axy, bxy);
     double v[3] = {vxy[0], vxy[1], Dot4(az, bz)};
     double w = qt[3] * qa[3] + qt[0] * qa[0] + qt[1] * qa[1] + qt[2] * qa[2];
-    if (w < 0.0) {
+    if (w < 0.0) {  // the other hemisphere: the same rotation, the shorter way
         w = -w;
-        for (double &x : v) x = -x;
+        v[0] = -v[0];
+        v[1] = -v[1];
+        v[2] = -v[2];
     }
     const double s = Sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
     const double f = s > 0.0 ? (2.0 * ATan2(s, w)) / s : 0.0;
-    for (int k = 0; k < 3; ++k) r[k] = f * v[k];
+    r[0] = f * v[0];
+    r[1] = f * v[1];
+    r[2] = f * v[2];
 }
 
 }  // namespace qz::detail
