@@ -17,6 +17,7 @@
 //       Unlike time, these counts do not move with the machine's load.
 #include <QZDT.h>
 #include <QZFLT.h>
+#include <QZKinematics.h>
 #include <QZMatrix.h>
 #include <QZQuaternions.h>
 #include <sched.h>
@@ -33,6 +34,8 @@
 #include <random>
 #include <string>
 #include <vector>
+
+#include "../examples/arm7.h"
 
 namespace {
 
@@ -326,6 +329,23 @@ Event RandomRotation(long k) {
     return e;
 }
 
+// The seven-joint arm of examples/arm7.h as a chain, and its joints: random postures, with the
+// value classes of the schedule and, on a singular event, the elbow stretched.
+QZKinChain arm;
+double joints[7], twist[6], report[2];
+void KinInit() { arm7_chain(1.0, &arm); }
+Event KinJoints(long k) {
+    const Event e = EventAt(k);
+    for (double &q : joints) q = Uniform(-2.8, 2.8);
+    if (e == kSingular) {
+        const double stretched[7] = {0.35, -0.52, 0.17, -0.4670106, 0.0, 1.66, 0.7};
+        std::memcpy(joints, stretched, sizeof joints);
+    } else if (e >= kNaNIn && e <= kHuge) {
+        joints[k % 7] = Disturb(e, 0.0);
+    }
+    return e;
+}
+
 const Case kCartesian[] = {
     {"QZ_DH2Matrix", [] {},
      [](long k) {
@@ -382,6 +402,41 @@ const Case kCartesian[] = {
      [] { QZ_MatrixInv6(A, M); }},
     {"QZ_MatrixInv7", [] {}, [](long k) { return RandomMatrix(k, 7, 7, A); },
      [] { QZ_MatrixInv7(A, M); }},
+    {"QZKin_Jacobian (7 joints)", KinInit, KinJoints, [] { QZKin_Jacobian(&arm, joints, J, T); }},
+    {"QZKin_ForwardPosQuat (7 joints)", KinInit, KinJoints,
+     [] { QZKin_ForwardPosQuat(&arm, joints, P); }},
+    {"QZKin_OrientationError", [] {},
+     [](long k) {
+         const Event e = RandomRotation(k);
+         std::memcpy(Q2, Q, sizeof Q);
+         Q2[k % 4] += Uniform(-1.0, 1.0) * (k % 2 ? 1.0 : 1e-9);  // far or near
+         if (k % 5 == 0) Q2[3] = -Q2[3];                          // near the half turn
+         return e;
+     },
+     [] { QZKin_OrientationError(Q, Q2, T); }},
+    // The arm's own Jacobians, at times within 1e-6 rad of its stretch, where the damping works.
+    {"QZKin_DampedLeastSquares (7 joints)", KinInit,
+     [](long k) {
+         const Event e = KinJoints(k);
+         if (e == kSingular) joints[3] = -0.4670106 + Uniform(-1e-6, 1e-6);
+         QZKin_Jacobian(&arm, joints, J, nullptr);
+         for (int i = 0; i < 6; ++i) twist[i] = Uniform(-100.0, 100.0);
+         if (e >= kNaNIn && e <= kHuge) twist[k % 6] = Disturb(e, 0.0);
+         return e;
+     },
+     [] { QZKin_DampedLeastSquares(&arm, J, twist, P, report); }},
+    {"QZKin_TrackerLead (7 axes)",
+     [] {
+         smooth = QZNSyncDTSState{};
+         DefaultLimits();
+         QZNSyncDTS_OnInit(&smooth, kAxes, 1.0, lim, alim, jerk);
+     },
+     [](long k) {
+         const Event e = Targets(k, kAxes);
+         for (int i = 0; i < kAxes; ++i) vel[i] = 10.0 * tgt[i];
+         return e;
+     },
+     [] { QZKin_TrackerLead(&smooth, vel, acc, pos, nullptr); }},
 };
 
 // ---- Measuring ---------------------------------------------------------------------------------

@@ -81,6 +81,14 @@ endfunction()
 # one before; everything not listed stays local.
 function(qz_write_version_script out since_file)
   qz_read_since(since ${since_file} ${ARGN})
+  # A release newer than the project's own version would export under a node the library's
+  # version does not name yet: bump project(VERSION) with the first function of a new release.
+  list(GET since_RELEASES -1 newest)
+  if(DEFINED PROJECT_VERSION_MINOR AND
+     newest VERSION_GREATER "${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}")
+    message(FATAL_ERROR "${since_file} lists release ${newest}, newer than the project's "
+                        "version ${PROJECT_VERSION}")
+  endif()
   set(map "")
   set(previous "")
   foreach(r ${since_RELEASES})

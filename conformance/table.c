@@ -5,6 +5,7 @@
 #include "QZBaseMath.h"
 #include "QZDT.h"
 #include "QZFLT.h"
+#include "QZKinematics.h"
 #include "QZMatrix.h"
 #include "QZQuaternions.h"
 #include "qzc.h"

@@ -1,17 +1,18 @@
 /*
  * Example 09: a straight Cartesian line through the N-axis tracker.
  *
- * The flange of the seven-joint arm of examples/arm7.h moves 300 mm along a straight line while
- * it turns by 30 degrees about the base z axis, in 2 s with a smooth (quintic) time law, at a 1 ms
- * cycle. Each cycle:
+ * The flange of the seven-joint arm of examples/arm7.h (its DH table, as a chain of the
+ * kinematics module) moves 300 mm along a straight line while it turns by 30 degrees about the
+ * base z axis, in 2 s with a smooth (quintic) time law, at a 1 ms cycle. Each cycle:
  *
  *  1. the path gives the flange's wanted position, orientation (slerp) and twist;
- *  2. the joint reference q moves by the pseudo-inverse of the geometric Jacobian at q
- *     (QZ_RightPsoInv67) applied to the wanted twist plus a correction of the pose error
- *     (position difference, and the orientation error as a rotation vector from quaternions);
+ *  2. the joint reference q moves by the damped least-squares solution (QZKin_DampedLeastSquares,
+ *     undamped here, far from any singularity) for the wanted twist plus a correction of the pose
+ *     error (position difference, and QZKin_OrientationError's rotation vector), with the
+ *     Jacobian and the flange pose from QZKin_Jacobian;
  *  3. the N-axis tracker QZNSyncDTS (the joints' velocity, acceleration and jerk limits, in
  *     radians) receives the absolute joint reference where it will be one steady lag ahead
- *     (docs/streaming.md), and its output is what the drives would get.
+ *     (QZKin_TrackerLead, docs/streaming.md), and its output is what the drives would get.
  *
  * The example then measures the tracked motion: the flange's largest distance from the line and
  * its largest orientation error against the path's orientation at that point of the line, with
@@ -25,10 +26,10 @@
 #include <time.h>
 
 #include "QZDT.h"
+#include "QZKinematics.h"
 #include "QZMatrix.h"
 #include "QZQuaternions.h"
 #include "arm7.h"
-#include "orientation_error.h"
 
 #define DEG 0.017453292519943295
 #define CYCLE_MS 1.0
@@ -44,14 +45,6 @@
 static const double kVel[7] = {2.175, 2.175, 2.175, 2.175, 2.61, 2.61, 2.61};
 static const double kAcc[7] = {15.0, 7.5, 10.0, 12.5, 15.0, 20.0, 20.0};
 static const double kJerk[7] = {7500.0, 3750.0, 5000.0, 6250.0, 7500.0, 10000.0, 10000.0};
-
-/* Steady lag (s) of an N-axis tracker axis behind a target moving at speed v: the switching law's
- * look-ahead h, the acceleration limit and the averaging span (docs/streaming.md). */
-static double steady_lag(const QZNSyncDTSState *s, int i, double v) {
-    const QZVDTState *a = &s->axis[i];
-    const double h = a->lawStep, ah = a->accLmt * h, speed = fabs(v) > ah ? fabs(v) : ah;
-    return (speed + ah) / (2.0 * a->accLmt) + h - a->dt + 0.5 * (s->avgLen[i] - 1) * a->dt;
-}
 
 typedef struct {
     double p0[3], dir[3];      /* start point and unit direction of the line */
@@ -78,11 +71,13 @@ typedef struct {
 
 static Result run(int lead) {
     const double q0Deg[7] = {20, -30, 10, -110, 15, 95, 40};
-    double q[7], j[42], t[16], pinv[42];
+    double q[7], j[42], t[16];
     for (int i = 0; i < 7; ++i) q[i] = DEG * q0Deg[i];
+    QZKinChain arm;
+    arm7_chain(1.0, &arm);
 
     Path path;
-    arm7_fk(q, 1.0, t);
+    QZKin_Forward(&arm, q, t);
     const double turn[4] = {0.0, 0.0, sin(0.5 * TURN_RAD), cos(0.5 * TURN_RAD)};
     QZ_Matrix2Quaternion4(t, path.qStart);
     QZ_QuatMult(turn, path.qStart, path.qEnd); /* turned about the base z axis */
@@ -105,32 +100,32 @@ static Result run(int lead) {
         clock_gettime(CLOCK_MONOTONIC, &t0);
 
         /* 1. The path. */
-        double pWant[3], qWant[4], twist[6], qHave[4], rot[3], v[6], qdot[7], target[7], out[7];
+        double pWant[3], qWant[4], twist[6], qHave[4], rot[3], v[6], qdot[7], qddot[7], ahead[7],
+            target[7], out[7];
         path_at(&path, k * DT, pWant, qWant, twist);
 
-        /* 2. The joint reference: twist plus pose correction through the pseudo-inverse. */
-        arm7_jacobian(q, 1.0, j, t);
+        /* 2. The joint reference: twist plus pose correction through the damped solver. */
+        QZKin_Jacobian(&arm, q, j, t);
         QZ_Matrix2Quaternion4(t, qHave);
-        orientation_error(qWant, qHave, rot);
+        QZKin_OrientationError(qWant, qHave, rot);
         for (int i = 0; i < 3; ++i) {
             v[i] = twist[i] + GAIN * (pWant[i] - t[4 * i + 3]);
             v[i + 3] = twist[i + 3] + GAIN * rot[i];
         }
-        if (!QZ_RightPsoInv67(j, pinv)) {
+        if (QZKin_DampedLeastSquares(&arm, j, v, qdot, NULL) != QZ_KIN_OK) {
             res.ok = 0;
             break;
         }
-        QZ_Matrix76MultVect6(pinv, v, qdot);
-        for (int i = 0; i < 7; ++i) q[i] += qdot[i] * DT;
+        for (int i = 0; i < 7; ++i) {
+            q[i] += qdot[i] * DT;
+            qddot[i] = (qdot[i] - qdotPrev[i]) / DT;
+            qdotPrev[i] = qdot[i];
+        }
 
         /* 3. The tracker, fed the absolute reference where it will be one lag L ahead:
          *    q + qdot L + qddot L^2 / 2, with L each joint's steady lag at its speed. */
-        for (int i = 0; i < 7; ++i) {
-            const double lag = steady_lag(&tracker, i, qdot[i]),
-                         qddot = (qdot[i] - qdotPrev[i]) / DT;
-            target[i] = lead ? q[i] + qdot[i] * lag + 0.5 * qddot * lag * lag : q[i];
-            qdotPrev[i] = qdot[i];
-        }
+        QZKin_TrackerLead(&tracker, qdot, qddot, ahead, NULL);
+        for (int i = 0; i < 7; ++i) target[i] = lead ? q[i] + ahead[i] : q[i];
         QZNSyncDTS_OnDT(&tracker, target, out);
 
         clock_gettime(CLOCK_MONOTONIC, &t1);
@@ -138,7 +133,7 @@ static Result run(int lead) {
 
         /* Measure the tracked flange: distance from the line and orientation error there. */
         double tOut[16], qOut[4], d[3], qOn[4], pOn[3], tw[6];
-        arm7_fk(out, 1.0, tOut);
+        QZKin_Forward(&arm, out, tOut);
         for (int i = 0; i < 3; ++i) d[i] = tOut[4 * i + 3] - path.p0[i];
         double along = QZ_VectDot(d, path.dir, 3), off = 0.0;
         for (int i = 0; i < 3; ++i)
@@ -159,7 +154,7 @@ static Result run(int lead) {
         }
         path_at(&path, 0.5 * (lo + hi), pOn, qOn, tw);
         QZ_Matrix2Quaternion4(tOut, qOut);
-        orientation_error(qOn, qOut, rot);
+        QZKin_OrientationError(qOn, qOut, rot);
         const double turnDeg = QZ_VectLength(rot, 3) / DEG;
         if (turnDeg > res.turnDeg) res.turnDeg = turnDeg;
     }
@@ -182,7 +177,8 @@ int main(void) {
     printf("path error within %.1f mm with the lead: %s\n", PATH_BOUND_MM,
            led.pathMm <= PATH_BOUND_MM ? "yes" : "no");
     printf(
-        "cost per cycle (kinematics, Jacobian, pseudo-inverse, orientation error, tracker): %.1f "
+        "cost per cycle (kinematics, Jacobian, orientation error, damped solver, lead, tracker): "
+        "%.1f "
         "us\n",
         led.cycleUs);
     return led.pathMm <= PATH_BOUND_MM ? 0 : 1;

@@ -3,8 +3,9 @@
 // The seven joints of example 02 move from one pose to another with the N-axis smoothed tracker,
 // owned by a qz::SmoothedTracker<7>; its limit setters say what became of each request, and a NaN
 // target for one joint is refused while every joint keeps moving towards its last target. The
-// flange frame of the arm of example 06 is then computed from the joint angles with qz::dh and
-// qz::mul, and printed as an XYZABC pose whose unit is part of its type.
+// flange frame of the arm of example 06 is then computed from the joint angles by a qz::Chain<7>
+// (the kinematics module, built once from the arm's DH table), and printed as an XYZABC pose
+// whose unit is part of its type.
 //
 // Usage: 10_cpp_api   (prints its results; writes nothing)
 #include <qzmath/qzmath.hpp>
@@ -17,28 +18,18 @@ namespace {
 constexpr std::size_t kJoints = 7;
 using Joints = qz::Vec<kJoints>;
 
-// One modified Denavit-Hartenberg link: twist and length along the previous x axis, offset
-// along the joint's z axis (millimetres).
-struct Link {
-    qz::Rad alpha;
-    double a, d;
-};
+// The arm's modified Denavit-Hartenberg table: twist, length along the previous x axis, offset
+// along the joint's z axis (millimetres), joint angle offset; the flange, 107 mm beyond the last
+// joint, is the chain's tool.
 constexpr double kHalfPi = 1.5707963267948966;
-constexpr Link kArm[kJoints + 1] = {
-    {{0.0}, 0.0, 333.0},    {{-kHalfPi}, 0.0, 0.0},     {{kHalfPi}, 0.0, 316.0},
-    {{kHalfPi}, 82.5, 0.0}, {{-kHalfPi}, -82.5, 384.0}, {{kHalfPi}, 0.0, 0.0},
-    {{kHalfPi}, 88.0, 0.0}, {{0.0}, 0.0, 107.0},  // the flange, 107 mm beyond the last joint
-};
-
-// Flange frame for joint angles in degrees.
-qz::Mat4 Flange(const Joints &qDeg) {
-    qz::Mat4 t = qz::identity<4>();
-    for (std::size_t i = 0; i <= kJoints; ++i) {
-        const qz::Rad theta = i < kJoints ? qz::to_rad(qz::Deg{qDeg[i]}) : qz::Rad{0.0};
-        t = qz::mul(t, qz::dh(kArm[i].alpha, kArm[i].a, kArm[i].d, theta));
-    }
-    return t;
-}
+const std::array<qz::Link, kJoints> kArm = {{{{0.0}, 0.0, 333.0, {0.0}},
+                                             {{-kHalfPi}, 0.0, 0.0, {0.0}},
+                                             {{kHalfPi}, 0.0, 316.0, {0.0}},
+                                             {{kHalfPi}, 82.5, 0.0, {0.0}},
+                                             {{-kHalfPi}, -82.5, 384.0, {0.0}},
+                                             {{kHalfPi}, 0.0, 0.0, {0.0}},
+                                             {{kHalfPi}, 88.0, 0.0, {0.0}}}};
+const qz::Mat4 kFlange = {{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 107, 0, 0, 0, 1}};
 
 }  // namespace
 
@@ -85,7 +76,10 @@ int main() {
     std::printf("seven joints settled on the goal at %.3f s (cycle %d)\n", settled * 0.004,
                 settled);
 
-    const qz::Mat4 t = Flange(q);
+    const qz::Chain<kJoints> chain(kArm, kFlange);
+    Joints qRad;
+    for (std::size_t i = 0; i < kJoints; ++i) qRad[i] = qz::to_rad(qz::Deg{q[i]}).value;
+    const qz::Mat4 t = *chain.forward(qRad);
     const qz::PoseXYZ<qz::Deg> pose = *qz::pose_xyz<qz::Deg>(t);  // the unit is in the type
     std::printf("flange XYZABC: %.3f %.3f %.3f mm, A %.3f B %.3f C %.3f deg\n", pose[0], pose[1],
                 pose[2], pose[3], pose[4], pose[5]);

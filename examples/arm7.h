@@ -1,7 +1,9 @@
 /*
- * arm7.h: forward kinematics and the geometric Jacobian of a seven-joint arm, built from the
- * library's modified Denavit-Hartenberg link transforms. Shared by examples 06, 07 and 09, the
- * measuring programs of docs/ and the test that checks both against KDL.
+ * arm7.h: the seven-joint arm of the examples: its modified Denavit-Hartenberg table and joint
+ * limits, as a chain of the kinematics module (arm7_chain, for examples 09 to 11, the benchmarks
+ * and the kinematics test), and its forward kinematics and geometric Jacobian built by hand from
+ * the library's DH link transforms (for examples 06 and 07, the measuring programs of docs/,
+ * which set the older route beside the module, and the test that checks them against KDL).
  *
  * The arm is an anthropomorphic seven-joint arm with small elbow and wrist offsets, lengths in
  * millimetres. Pass a length scale to work in another unit: 1.0 for millimetres, 0.001 for
@@ -16,6 +18,7 @@
 #ifndef QZ_EXAMPLE_ARM7_H
 #define QZ_EXAMPLE_ARM7_H
 
+#include "QZKinematics.h"
 #include "QZMatrix.h"
 
 #define ARM7_JOINTS 7
@@ -37,6 +40,26 @@ static const Arm7Link kArm7Links[ARM7_JOINTS] = {
 };
 /* The flange: 107 mm beyond joint 7 along its axis. */
 static const Arm7Link kArm7Flange = {0.0, 0.0, 107.0};
+
+/* Joint position limits (rad). */
+static const double kArm7Lower[ARM7_JOINTS] = {-2.8973, -1.7628, -2.8973, -3.0718,
+                                               -2.8973, -0.0175, -2.8973};
+static const double kArm7Upper[ARM7_JOINTS] = {2.8973, 1.7628, 2.8973, -0.0698,
+                                               2.8973, 3.7525, 2.8973};
+
+/* The arm as a chain of the kinematics module, lengths times scale (1.0: mm), the flange as its
+ * tool, with its joint limits. Returns QZKin_ChainInit's result. */
+static inline int32_t arm7_chain(double scale, QZKinChain *c) {
+    double dh[4 * ARM7_JOINTS], tool[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    for (int i = 0; i < ARM7_JOINTS; ++i) {
+        dh[4 * i] = kArm7Links[i].alpha;
+        dh[4 * i + 1] = scale * kArm7Links[i].a;
+        dh[4 * i + 2] = scale * kArm7Links[i].d;
+        dh[4 * i + 3] = 0.0;
+    }
+    tool[11] = scale * kArm7Flange.d;
+    return QZKin_ChainInit(c, ARM7_JOINTS, dh, tool, kArm7Lower, kArm7Upper);
+}
 
 /* Frames of the seven joints (frames[i]: joint i+1's axis is its z axis) and of the flange, in
  * the base frame, for joint angles q (rad) and a length scale (1.0: mm). */

@@ -27,6 +27,7 @@ HEADERS = [
     ("include/QZBaseMath.h", "QZBaseMath.h"),
     ("include/QZDT.h", "QZDT.h"),
     ("include/QZFLT.h", "QZFLT.h"),
+    ("include/QZKinematics.h", "QZKinematics.h"),
     ("include/QZMatrix.h", "QZMatrix.h"),
     ("include/QZQuaternions.h", "QZQuaternions.h"),
     ("cmake/QZVersion.h.in", "QZVersion.h"),

@@ -3,6 +3,7 @@
 #include <qzmath/eigen.hpp>
 #include <qzmath/qzmath.hpp>
 
+#include <cstring>
 #include <type_traits>
 #include <utility>
 
@@ -167,6 +168,8 @@ TEST(CppApi, OrientationsAndPosesGiveTheBitsOfTheirCFunctions) {
     EXPECT_TRUE(qztest::SameBits(qz::angle<qz::Rad>(p, q)->value,
                                  QZ_QuaternionAngleArc(p.data(), q.data())));
     EXPECT_TRUE(Same(*qz::slerp_long(p, q, 0.3), C(QZ_QuatSlerpL, p, q, 0.3)));
+    const qz::Vec3 axis{{0.2, -0.5, 0.8}};
+    EXPECT_EQ(*qz::slerp_direction(p, q, axis), QZ_QuatSlerpDir(p.data(), q.data(), axis.data()));
     auto qc = q;  // the C slerps may negate their second quaternion in place
     QZSlerpFactorState st{};
     const auto factor =
@@ -278,7 +281,12 @@ TEST(CppApi, StatefulClassesStepTheirRecordsAsTheCFunctionsDo) {
         Init<QZDCTRLErrorState>([](QZDCTRLErrorState *s) { QZ_DCTRL_ErrorCompare_Init(0, s); });
     auto cAvg = Init<QZAVGFState>(QZAVGF_OnInit, 3, 10, 0.004);
     auto cSmv = Init<QZSMVState>(QZSMV_OnInit, 0.0, 0.05, 0.01, 0.002);
-    const qz::Vec<7> z7{};
+    const qz::Vec<7> z7{}, g{{0.04, 0.03, 0.02, 0.01, 0.05, 0.06, 0.07}},
+        h{{0.5, 0.7, 1, 2, 3, 4, 5}};
+    ASSERT_ALL(cmp.set_gains(g, h) == qz::Status::ok, cmp.set_limits(h, g, h) == qz::Status::ok);
+    for (int j = 0; j < 7; ++j)  // the same gains and limits, field by field
+        cCmp.kInteg[j] = cCmp.errLmt[j] = g[j],
+        cCmp.kProp[j] = cCmp.outLmt[j] = cCmp.integLmt[j] = h[j];
     double a[3], d[3];
     for (int k = 0; k < 400; ++k) {
         const double goal = k < 200 ? 10.0 : -4.0;
@@ -299,6 +307,34 @@ TEST(CppApi, StatefulClassesStepTheirRecordsAsTheCFunctionsDo) {
         ASSERT_ALL(Same(av.avg, a), Same(av.rate, d)) << k;
         ASSERT_TRUE(qztest::SameBits(*smv.update(g), C(QZSMV_OnUpdateV, &cSmv, g)[0])) << k;
     }
+}
+
+// The trackers' common operations: a step towards the last target is the step that target would
+// give again, reset_to leaves the axis at rest where it puts it, and after jump_to_next_target
+// the step outputs its target.
+template <class T, class P>
+void CommonOperations(T tracker, const P &at, const P &target) {
+    const auto bits = [](const P &a, const P &b) { return std::memcmp(&a, &b, sizeof(P)) == 0; };
+    EXPECT_EQ(tracker.step_to_last_target().status(), qz::Status::reset_pending);
+    ASSERT_EQ(tracker.reset_to(at), qz::Status::ok);
+    T rest = tracker;
+    const P still = *rest.step(at), first = *tracker.step(target);
+    for (int k = 0; k < 20; ++k) (void)tracker.step(target);  // moving
+    T again = tracker;
+    const auto held = tracker.step_to_last_target();
+    const P fed = *again.step(target);
+    EXPECT_ALL(bits(still, at), !bits(first, target), held.ok(), bits(held.value(), fed),
+               !bits(fed, target));
+    ASSERT_EQ(tracker.jump_to_next_target(), qz::Status::ok);
+    EXPECT_TRUE(bits(*tracker.step(at), at));
+}
+
+TEST(CppApi, TrackersShareTheirOperationsAndTheirMeaning) {
+    const qz::Vec<2> at{{0.25, -1.0}}, to{{3.0, 2.0}}, vel{{50, 80}}, acc{{100, 300}};
+    CommonOperations(qz::Tracker(4.0, 50.0, 100.0), 0.25, 3.0);
+    CommonOperations(qz::MultiStageTracker(4.0, 50.0, 100.0, 2), 0.25, 3.0);
+    CommonOperations(qz::SmoothedTracker<2>(4.0, vel, acc, {{2000, 3000}}), at, to);
+    CommonOperations(qz::SmoothedMultiStageTracker<2>(4.0, vel, acc, {{2000, 3000}}, 2), at, to);
 }
 
 TEST(CppApi, EigenViewsShareTheStorage) {

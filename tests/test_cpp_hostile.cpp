@@ -22,7 +22,7 @@ const qz::Quat kUnit{{0, 0, 0, 1}};
 // A temporary's value is handed out by value: a reference to it cannot dangle.
 static_assert(!std::is_reference_v<decltype(qz::inverse(qz::Mat3{}).value())>);
 
-TEST(CppHostile, ConversionsAndDecompositionsNameNonFiniteAndDirectionlessInput) {
+TEST(CppHostile, ConversionsAndDecompositionsNameNonFiniteAndNonRotationInput) {
     using namespace qz;
     for (double bad : kNonFinite) {
         auto m7 = qz::identity<7>();
@@ -46,7 +46,8 @@ TEST(CppHostile, ConversionsAndDecompositionsNameNonFiniteAndDirectionlessInput)
             relative({}, RotVec{{bad}}).status(), rotation(EulerXYZ<Deg>{{bad}}).status(),
             rotation(EulerZYZ{{bad}}).status(), transform(PoseXYZ<Deg>{{0, 0, 0, bad}}).status(),
             to_posquat(PoseXYZ<Deg>{{bad}}).status(), normalize(v).status(), angle(v, x).status(),
-            line_cross(x, v, {}, x).status()};
+            line_cross(x, v, {}, x).status(),
+            slerp_direction(kUnit, q, x).status(), slerp_direction(kUnit, kUnit, v).status()};
         // clang-format on
         for (std::size_t i = 0; i < std::size(got); ++i)
             EXPECT_EQ(got[i], S::non_finite) << bad << " row " << i << ": " << to_string(got[i]);
@@ -58,10 +59,27 @@ TEST(CppHostile, ConversionsAndDecompositionsNameNonFiniteAndDirectionlessInput)
         rotation(zero).status(), rotation4(tiny).status(), transform(PosQuat{}).status(),
         angle<Rad>(kUnit, zero).status(), slerp(zero, kUnit, 0.5).status(),
         slerp_long(kUnit, tiny, 0.5).status(), Slerp(zero, kUnit).at(0.3).status(),
-        inverse(zero).status(), normalize(zero).status(), angle(Vec3{}, Vec3{{1, 0, 0}}).status()};
+        inverse(zero).status(), normalize(zero).status(), angle(Vec3{}, Vec3{{1, 0, 0}}).status(),
+        slerp_direction(zero, kUnit, Vec3{{0, 0, 1}}).status()};
     // clang-format on
     for (std::size_t i = 0; i < std::size(got); ++i) EXPECT_EQ(got[i], S::zero_length) << i;
-    EXPECT_EQ(qz::rotation(qz::Quat{{0, 0, 1e-8, 0}}).status(), S::ok);
+    // Beyond that a quaternion has a direction, but only near unit length is it a rotation, and
+    // only an orthonormal right-handed matrix is one.
+    // clang-format off
+    const Status rot[] = {
+        rotation(Quat{{0, 0, 1e-8, 0}}).status(), angle<Deg>(kUnit, Quat{{0, 0, 0, 2}}).status(),
+        to_quat(Mat3{}).status(), euler_xyz(Mat3{{2, 0, 0, 0, 2, 0, 0, 0, 2}}).status(),
+        to_rotvec(Mat3{{1, 0, 0, 0, 1, 0, 0, 0, -1}}).status(), pose_xyz<Rad>(Mat4{}).status(),
+        euler_zyz(Mat4{}).status()};
+    // clang-format on
+    for (std::size_t i = 0; i < std::size(rot); ++i) EXPECT_EQ(rot[i], S::not_a_rotation) << i;
+    EXPECT_ALL(rotation(Quat{{0, 0, 6e-4, 1}}).ok(),
+               to_quat(Mat3{{1, 0, 0, 0, 1, 4e-4, 0, 0, 1}}).ok());
+    // Huge but finite: the direction is still there, though the squared length overflows.
+    const double h = 1e300, r2 = 0.7071067811865476;
+    EXPECT_ALL(std::abs(normalize(Vec3{{h, h, 0}})->at(1) - r2) < 1e-15,
+               std::abs(inverse(Quat{{0, 0, h, h}})->at(3) - r2) < 1e-15,
+               std::abs(angle(Vec3{{h, 0, 0}}, Vec3{{h, h, 0}})->value - 45) < 1e-12);
     // The ZYZ pose of a turn about z alone keeps its unit and position on the singular branch.
     const qz::Mat4 t = *qz::transform(qz::PoseXYZ<qz::Rad>{{1, 2, 3, 0, 0, 0.5}});
     const auto deg = qz::pose_zyz<qz::Deg>(t);
@@ -97,6 +115,8 @@ TEST(CppHostile, UnusableLimitsCycleTimesAndSamplesAreRefusedByName) {
             qz::OneStepFitter<1>(qz::Vec<1>{{bad - 2}}).status() == S::bad_argument,  // 0 freezes
             qz::AveragingFilter<1>(10, bad).status() == S::bad_argument,
             qz::SmoothedValue(0, bad, 0.1, 0.01).status() == S::bad_argument,
+            qz::ErrorComparator().set_gains({}, {{bad - 2}}) == S::bad_argument,
+            qz::ErrorComparator().set_limits({}, {}, {{0, bad - 2}}) == S::bad_argument,
             axis.set_acceleration_limit(1e300) == L::clamped, axis.record().accLmt == 1000.0};
         // clang-format on
         for (std::size_t i = 0; i < std::size(checks); ++i)

@@ -33,9 +33,10 @@ int main() {
 
     qz::Mat3 m = qz::identity<3>();
     m(1, 2) = std::numeric_limits<double>::infinity();
-    std::printf("inverse: %s; rotation of a zero quaternion: %s\n",
+    std::printf("inverse: %s; rotation of a zero quaternion: %s; quaternion of zeros: %s\n",
                 qz::to_string(qz::inverse(m).status()),
-                qz::to_string(qz::rotation(qz::Quat{}).status()));
+                qz::to_string(qz::rotation(qz::Quat{}).status()),
+                qz::to_string(qz::to_quat(qz::Mat3{}).status()));
     const qz::Mat3 &kept = qz::inverse(qz::identity<3>()).value();  // a copy, not a reference
     std::printf("a value from a temporary lives on: %.1f\n", kept(2, 2));
     // example end

@@ -18,6 +18,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <numeric>
 #include <type_traits>
 
 #include "QZBaseMath.h"
@@ -123,13 +124,15 @@ enum class [[nodiscard]] Status : std::uint8_t{
     reset_pending,          // the record waits for its first step after initialisation or a jump
     bad_argument,           // an initialisation refused its parameters
     non_finite,             // an input held NaN or an infinity: refused, nothing computed from it
+    not_a_rotation,         // a rotation expected, but rows not orthonormal within 1e-3, a mirror,
+                            // or a quaternion whose length is not within 1e-3 of 1
 };
 
 constexpr const char *to_string(Status s) noexcept {
-    constexpr const char *names[] = {"ok",           "singular",        "not positive definite",
-                                     "ZYZ singular", "zero length",     "parallel",
-                                     "failed",       "not initialised", "reset pending",
-                                     "bad argument", "non-finite input"};
+    constexpr const char *names[] = {"ok",           "singular",         "not positive definite",
+                                     "ZYZ singular", "zero length",      "parallel",
+                                     "failed",       "not initialised",  "reset pending",
+                                     "bad argument", "non-finite input", "not a rotation"};
     return names[static_cast<std::size_t>(s)];
 }
 
@@ -217,14 +220,22 @@ inline bool finite(double x) noexcept { return std::isfinite(x); }
 // element, without a branch (twice as fast as a test per element).
 template <std::size_t N>
 bool finite(const std::array<double, N> &v) noexcept {
-    double sum = 0.0;
-    // cppcheck-suppress useStlAlgorithm ; the branch-free loop described above, as plain as it is
-    for (double x : v) sum += x * 0.0;
-    return sum == 0.0;
+    const auto plusZeroed = [](double sum, double x) noexcept { return sum + x * 0.0; };
+    return std::accumulate(v.begin(), v.end(), 0.0, plusZeroed) == 0.0;
 }
 template <class... T>
 bool all_finite(const T &...v) noexcept {
     return (finite(v) && ...);
+}
+// v, or v scaled by 2^-600 (exactly, a power of two) when its squared length would overflow: the
+// direction is the same and the length now fits, so that a function of the direction alone
+// (normalising, a unit inverse, an angle) gives it instead of zeros or NaN.
+template <class T>
+T length_in_range(T v) noexcept {
+    const auto plusSquare = [](double sum, double x) noexcept { return sum + x * x; };
+    if (std::accumulate(v.begin(), v.end(), 0.0, plusSquare) <= 1.7976931348623157e308) return v;
+    std::transform(v.begin(), v.end(), v.begin(), [](double x) noexcept { return x * 0x1p-600; });
+    return v;
 }
 // The status of an input that must be finite: ok or non_finite.
 template <class... T>
@@ -233,15 +244,42 @@ Status finite_status(const T &...v) noexcept {
 }
 
 // The status of quaternions where rotations are expected: non_finite for a NaN or an infinity,
-// zero_length for a length of at most 1e-9 (no direction to turn about), else ok.
-template <class... Q>
-Status rotation_status(const Q &...q) noexcept {
-    if (!all_finite(q...)) return Status::non_finite;
-    const auto quats = {static_cast<const std::array<double, 4> &>(q)...};
-    const bool zero = std::any_of(quats.begin(), quats.end(), [](const std::array<double, 4> &r) {
-        return r[0] * r[0] + r[1] * r[1] + r[2] * r[2] + r[3] * r[3] <= 1e-18;
-    });
-    return zero ? Status::zero_length : Status::ok;
+// zero_length for a length of at most 1e-9 (no direction to turn about), not_a_rotation for a
+// length not within 1e-3 of 1 (the C functions take them as unit length), else ok.
+inline Status rotation_status(const std::array<double, 4> &q) noexcept {
+    if (!finite(q)) return Status::non_finite;
+    const double n2 = q[0] * q[0] + q[1] * q[1] + q[2] * q[2] + q[3] * q[3];
+    if (n2 <= 1e-18) return Status::zero_length;
+    return n2 >= 0.998 && n2 <= 1.002 ? Status::ok : Status::not_a_rotation;
+}
+inline Status rotation_status(const std::array<double, 4> &a,
+                              const std::array<double, 4> &b) noexcept {
+    const Status s = rotation_status(a);
+    return s != Status::ok ? s : rotation_status(b);
+}
+// The status of a rotation matrix, or of a transform's rotation block (row stride S): non_finite
+// for a NaN or an infinity, not_a_rotation unless its rows are orthonormal within 1e-3 and form a
+// right-handed frame, else ok. Zeros, a scaled matrix or a mirror would otherwise come out of a
+// conversion as a plausible orientation.
+template <std::size_t S>
+Status rotation_matrix_status(const double *m) noexcept {
+    std::array<double, 9> r{};
+    for (std::size_t i = 0; i < 3; ++i)
+        for (std::size_t j = 0; j < 3; ++j) r[3 * i + j] = m[S * i + j];
+    if (!finite(r)) return Status::non_finite;
+    const auto rowDot = [&r](std::size_t i, std::size_t j) {
+        return r[3 * i] * r[3 * j] + r[3 * i + 1] * r[3 * j + 1] + r[3 * i + 2] * r[3 * j + 2];
+    };
+    double worst = 0.0;
+    for (std::size_t i = 0; i < 3; ++i)
+        for (std::size_t j = i; j < 3; ++j) {
+            const double e = rowDot(i, j) - (i == j ? 1.0 : 0.0);
+            worst = e > worst ? e : -e > worst ? -e : worst;
+        }
+    const double handedness = r[0] * (r[4] * r[8] - r[5] * r[7]) -
+                              r[1] * (r[3] * r[8] - r[5] * r[6]) +
+                              r[2] * (r[3] * r[7] - r[4] * r[6]);
+    return worst <= 1e-3 && handedness > 0.0 ? Status::ok : Status::not_a_rotation;
 }
 
 // Signatures of the C functions that the size tables of the other headers hold.

@@ -26,28 +26,25 @@ Result<T> convert(Status status, F fn) noexcept {
     fn(out);
     return out;
 }
-// The status of a transform's first three rows, columns 0..C-1: the rotation block (C = 3) or
-// the rotation and the position (C = 4), all that the conversions of a transform read.
-template <std::size_t C>
-Status top_rows_status(const Mat4 &t) noexcept {
-    for (std::size_t i = 0; i < 3; ++i)
-        for (std::size_t j = 0; j < C; ++j)
-            if (!std::isfinite(t(i, j))) return Status::non_finite;
-    return Status::ok;
+// The status of a transform read as a pose: its rotation block a rotation, its position finite.
+inline Status pose_status(const Mat4 &t) noexcept {
+    const Status s = rotation_matrix_status<4>(t.data());
+    return s != Status::ok ? s : finite_status(t(0, 3), t(1, 3), t(2, 3));
 }
 }  // namespace detail
 
 // Every conversion between representations returns a Result: non_finite, zeros, when what it
-// reads holds a NaN or an infinity, and a quaternion that is no rotation (length <= 1e-9) is
-// zero_length; nothing is turned into a plausible finite answer.
+// reads holds a NaN or an infinity; zero_length for a quaternion of length 1e-9 or less and
+// not_a_rotation for one whose length is not within 1e-3 of 1 or for a matrix whose rows are not
+// orthonormal within 1e-3 or that mirrors. Nothing is turned into a plausible finite answer.
 
 // Quaternion of a rotation matrix, or of a transform's rotation block (not normalised).
 [[nodiscard]] inline Result<Quat> to_quat(const Mat3 &r) noexcept {
-    return detail::convert<Quat>(detail::finite_status(r),
+    return detail::convert<Quat>(detail::rotation_matrix_status<3>(r.data()),
                                  [&](Quat &q) { QZ_Matrix2Quaternion3(r.data(), q.data()); });
 }
 [[nodiscard]] inline Result<Quat> to_quat(const Mat4 &t) noexcept {
-    return detail::convert<Quat>(detail::top_rows_status<3>(t),
+    return detail::convert<Quat>(detail::rotation_matrix_status<4>(t.data()),
                                  [&](Quat &q) { QZ_Matrix2Quaternion4(t.data(), q.data()); });
 }
 // Rotation matrix of a unit quaternion, of a rotation vector, of Euler angles.
@@ -92,31 +89,33 @@ template <class U>
 }
 // XYZ angles in radians of a rotation or of a transform's rotation block.
 [[nodiscard]] inline Result<EulerXYZ<Rad>> euler_xyz(const Mat3 &r) noexcept {
-    return detail::convert<EulerXYZ<Rad>>(detail::finite_status(r), [&](EulerXYZ<Rad> &abc) {
-        (void)QZ_Matrix2XYZ(r.data(), abc.data());
-    });
+    return detail::convert<EulerXYZ<Rad>>(
+        detail::rotation_matrix_status<3>(r.data()),
+        [&](EulerXYZ<Rad> &abc) { (void)QZ_Matrix2XYZ(r.data(), abc.data()); });
 }
 [[nodiscard]] inline Result<EulerXYZ<Rad>> euler_xyz(const Mat4 &t) noexcept {
-    return detail::convert<EulerXYZ<Rad>>(detail::top_rows_status<3>(t), [&](EulerXYZ<Rad> &abc) {
-        (void)QZ_Matrix42XYZ(t.data(), abc.data());
-    });
+    return detail::convert<EulerXYZ<Rad>>(
+        detail::rotation_matrix_status<4>(t.data()),
+        [&](EulerXYZ<Rad> &abc) { (void)QZ_Matrix42XYZ(t.data(), abc.data()); });
 }
 // ZYZ angles in radians; zyz_singular below |b| = 0.5 degree, with a = 0 and usable b, c.
 [[nodiscard]] inline Result<EulerZYZ> euler_zyz(const Mat3 &r) noexcept {
-    if (!detail::all_finite(r)) return {EulerZYZ{}, Status::non_finite};
+    if (const Status s = detail::rotation_matrix_status<3>(r.data()); s != Status::ok)
+        return {EulerZYZ{}, s};
     Result<EulerZYZ> abc{Result<EulerZYZ>::Unwritten{}};
     if (QZ_Matrix2ZYZ(r.data(), abc.value().data()) == 0) abc.fail(Status::zyz_singular, false);
     return abc;
 }
 [[nodiscard]] inline Result<EulerZYZ> euler_zyz(const Mat4 &t) noexcept {
-    if (detail::top_rows_status<3>(t) != Status::ok) return {EulerZYZ{}, Status::non_finite};
+    if (const Status s = detail::rotation_matrix_status<4>(t.data()); s != Status::ok)
+        return {EulerZYZ{}, s};
     Result<EulerZYZ> abc{Result<EulerZYZ>::Unwritten{}};
     if (QZ_Matrix42ZYZ(t.data(), abc.value().data()) == 0) abc.fail(Status::zyz_singular, false);
     return abc;
 }
 // Rotation vector of a rotation matrix, angle in [0, pi].
 [[nodiscard]] inline Result<RotVec> to_rotvec(const Mat3 &r) noexcept {
-    return detail::convert<RotVec>(detail::finite_status(r),
+    return detail::convert<RotVec>(detail::rotation_matrix_status<3>(r.data()),
                                    [&](RotVec &v) { rotmat_to_axis_angle(r.data(), v.data()); });
 }
 // Rotation vector of R(a) R(b): b applied first, both in the fixed frame.
@@ -151,7 +150,7 @@ template <class U>
 }
 // PosQuat pose of a transform.
 [[nodiscard]] inline Result<PosQuat> to_posquat(const Mat4 &t) noexcept {
-    return detail::convert<PosQuat>(detail::top_rows_status<4>(t),
+    return detail::convert<PosQuat>(detail::pose_status(t),
                                     [&](PosQuat &p) { QZ_Matrix2PosQuat(t.data(), p.data()); });
 }
 // PosQuat pose of an XYZABC pose in degrees, quaternion normalised; zero_length when it could
@@ -170,7 +169,7 @@ template <class U>
     static_assert(detail::is_unit<U>, "qz::pose_xyz<U>: the unit is qz::Rad or qz::Deg");
     // The C names carry the opposite unit: the ARC form answers in degrees, the DEG form in radians.
     const auto fn = std::is_same_v<U, Deg> ? QZ_Matrix2XYZABC4ARC_XYZ : QZ_Matrix2XYZABC4DEG_XYZ;
-    return detail::convert<PoseXYZ<U>>(detail::top_rows_status<4>(t),
+    return detail::convert<PoseXYZ<U>>(detail::pose_status(t),
                                        [&](PoseXYZ<U> &p) { (void)fn(t.data(), p.data()); });
 }
 // ZYZ pose of a transform, angles in the unit asked for; zyz_singular below |b| = 0.5 degree,
@@ -178,7 +177,7 @@ template <class U>
 template <class U>
 [[nodiscard]] Result<PoseZYZ<U>> pose_zyz(const Mat4 &t) noexcept {
     static_assert(detail::is_unit<U>, "qz::pose_zyz<U>: the unit is qz::Rad or qz::Deg");
-    if (detail::top_rows_status<4>(t) != Status::ok) return {PoseZYZ<U>{}, Status::non_finite};
+    if (const Status s = detail::pose_status(t); s != Status::ok) return {PoseZYZ<U>{}, s};
     Result<PoseZYZ<U>> p{PoseZYZ<U>{}};
     const auto fn = std::is_same_v<U, Deg> ? QZ_Matrix2XYZABC4DEG_ZYZ : QZ_Matrix2XYZABC4ARC_ZYZ;
     if (fn(t.data(), p.value().data())) return p;

@@ -26,19 +26,20 @@ namespace qz {
     QZ_QuaternionConjugate(q.data(), out.data());
     return out;
 }
-// Unit inverse rotation, conjugate / |q|; zero_length, zeros, when |q| <= 1e-9; non_finite, zeros,
-// for a NaN or an infinity.
+// Unit inverse rotation, conjugate / |q|, also where |q|^2 would overflow; zero_length, zeros, when
+// |q| <= 1e-9; non_finite, zeros, for a NaN or an infinity.
 [[nodiscard]] inline Result<Quat> inverse(const Quat &q) noexcept {
     if (!detail::all_finite(q)) return {Quat{}, Status::non_finite};
+    const Quat in = detail::length_in_range(q);
     Result<Quat> r{Result<Quat>::Unwritten{}};
-    if (QZ_QuaternionInverse(q.data(), r.value().data()) == 0) r.fail(Status::zero_length, true);
+    if (QZ_QuaternionInverse(in.data(), r.value().data()) == 0) r.fail(Status::zero_length, true);
     return r;
 }
-// q / |q|; zero_length, q unchanged, when |q| <= 1e-16; non_finite, q unchanged, for a NaN or an
-// infinity.
+// q / |q|, also where |q|^2 would overflow; zero_length, q unchanged, when |q| <= 1e-16;
+// non_finite, q unchanged, for a NaN or an infinity.
 [[nodiscard]] inline Result<Quat> normalize(const Quat &q) noexcept {
     if (!detail::all_finite(q)) return {q, Status::non_finite};
-    Result<Quat> r{q};
+    Result<Quat> r{detail::length_in_range(q)};
     if (QZ_QuaternionNorm(r.value().data()) == 0) r.fail(Status::zero_length, false);
     return r;
 }
@@ -47,7 +48,7 @@ namespace qz {
     return QZ_QuaternionSqrtNorm(q.data());
 }
 // Angle of the shorter rotation between two unit quaternions, in the unit U (never quite 0);
-// zero_length or non_finite, angle 0, when either is no rotation.
+// zero_length, not_a_rotation or non_finite, angle 0, when either is no rotation.
 template <class U>
 [[nodiscard]] Result<U> angle(const Quat &a, const Quat &b) noexcept {
     static_assert(detail::is_unit<U>, "qz::angle<U>: the unit is qz::Rad or qz::Deg");
@@ -58,7 +59,7 @@ template <class U>
         return Rad{QZ_QuaternionAngleArc(a.data(), b.data())};
 }
 // Spherical interpolation along the shorter way; t = 0 gives a, t = 1 gives b (or -b). Either
-// quaternion no rotation, or t not finite: zero_length or non_finite, zeros.
+// quaternion no rotation, or t not finite: zero_length, not_a_rotation or non_finite, zeros.
 [[nodiscard]] inline Result<Quat> slerp(const Quat &a, Quat b, double t) noexcept {
     if (const Status s = detail::rotation_status(a, b); s != Status::ok) return {Quat{}, s};
     if (!std::isfinite(t)) return {Quat{}, Status::non_finite};
@@ -97,8 +98,13 @@ class Slerp {
     bool long_;
     Status status_;
 };
-// Sense (+1 or -1) in which the frame's x axis turns about axis from a to b.
-[[nodiscard]] inline int slerp_direction(const Quat &a, const Quat &b, const Vec3 &axis) noexcept {
+// Sense (+1 or -1) in which the frame's x axis turns about axis from a to b; refusals as slerp
+// (the sense 0), and non_finite for an axis with a NaN or an infinity.
+[[nodiscard]] inline Result<int> slerp_direction(const Quat &a, const Quat &b,
+                                                 const Vec3 &axis) noexcept {
+    const Status s = detail::rotation_status(a, b);
+    if (s != Status::ok || !detail::all_finite(axis))
+        return {0, s != Status::ok ? s : Status::non_finite};
     return QZ_QuatSlerpDir(a.data(), b.data(), axis.data());
 }
 

@@ -18,6 +18,7 @@
 #include "core.hpp"
 #include "filters.hpp"
 #include "frames.hpp"
+#include "kinematics.hpp"
 #include "matrix.hpp"
 #include "orientation.hpp"
 #include "quaternion.hpp"

@@ -603,9 +603,32 @@ class ErrorComparator {
         (void)QZ_DCTRL_ErrorCompare(0, first.data(), second.data(), &s_, corr_.data());
         return corr_;
     }
+    // Per joint, the gains on the integral and on the error (defaults 0.03 / 0.02 and 0);
+    // bad_argument, nothing changed, for a NaN, infinite or negative gain.
+    [[nodiscard]] Status set_gains(const Vec<7> &kInteg, const Vec<7> &kProp) noexcept {
+        if (!non_negative(kInteg) || !non_negative(kProp)) return Status::bad_argument;
+        copy(kInteg, s_.kInteg), copy(kProp, s_.kProp);
+        return Status::ok;
+    }
+    // Per joint, the limits of the correction, the error and the integral (defaults 0.9 / 0.6,
+    // 1.5 / 1.0 and 30); refused as set_gains.
+    [[nodiscard]] Status set_limits(const Vec<7> &outLmt, const Vec<7> &errLmt,
+                                    const Vec<7> &integLmt) noexcept {
+        if (!non_negative(outLmt) || !non_negative(errLmt) || !non_negative(integLmt))
+            return Status::bad_argument;
+        copy(outLmt, s_.outLmt), copy(errLmt, s_.errLmt), copy(integLmt, s_.integLmt);
+        return Status::ok;
+    }
     const QZDCTRLErrorState &record() const noexcept { return s_; }
 
   private:
+    static bool non_negative(const Vec<7> &v) noexcept {
+        return std::all_of(v.begin(), v.end(), [](double x) { return std::isfinite(x) && x >= 0; });
+    }
+    static void copy(const Vec<7> &v, double *field) noexcept {
+        std::copy(v.begin(), v.end(), field);
+    }
+
     QZDCTRLErrorState s_{};
     Vec<7> corr_{};
 };

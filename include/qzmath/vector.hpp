@@ -84,13 +84,13 @@ template <std::size_t N>
 [[nodiscard]] double length(const Vec<N> &v) noexcept {
     return QZ_VectLength(v.data(), static_cast<std::int32_t>(N));
 }
-// v / |v| (sizes 2..8); zero_length, v unchanged, when |v| is within 1e-16 of zero; non_finite,
-// v unchanged, for a NaN or an infinity.
+// v / |v| (sizes 2..8), also where |v|^2 would overflow; zero_length, v unchanged, when |v| is
+// within 1e-16 of zero; non_finite, v unchanged, for a NaN or an infinity.
 template <std::size_t N>
 [[nodiscard]] Result<Vec<N>> normalize(const Vec<N> &v) noexcept {
     static_assert(detail::Vector<N>::available, "qz::normalize: the library has sizes 2 to 8");
     if (!detail::all_finite(v)) return {v, Status::non_finite};
-    Result<Vec<N>> r{v};
+    Result<Vec<N>> r{detail::length_in_range(v)};
     if (!detail::Vector<N>::norm(r.value().data())) r.fail(Status::zero_length, false);
     return r;
 }
@@ -106,9 +106,10 @@ template <std::size_t N>
 [[nodiscard]] Result<Deg> angle(const Vec<N> &a, const Vec<N> &b) noexcept {
     const auto n = static_cast<std::int32_t>(N);
     if (!detail::all_finite(a, b)) return {Deg{0.0}, Status::non_finite};
-    if (QZ_IsZero(QZ_VectLength(a.data(), n)) || QZ_IsZero(QZ_VectLength(b.data(), n)))
+    const Vec<N> u = detail::length_in_range(a), v = detail::length_in_range(b);
+    if (QZ_IsZero(QZ_VectLength(u.data(), n)) || QZ_IsZero(QZ_VectLength(v.data(), n)))
         return {Deg{0.0}, Status::zero_length};
-    return Deg{QZ_VectAngle(a.data(), b.data(), n)};
+    return Deg{QZ_VectAngle(u.data(), v.data(), n)};
 }
 
 }  // namespace qz

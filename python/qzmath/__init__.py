@@ -9,8 +9,10 @@ library's own functions; numpy in and out.
 
 Classes own the library's records (trackers, estimator, filters); the scalar functions are plain
 functions; vectors, matrices and decompositions are in qzmath.linalg, rotations, Euler angles,
-poses and frames in qzmath.geometry, quaternions and slerp in qzmath.quaternions. Results are
-numpy arrays of their natural shape; conversions and products take leading batch axes.
+poses and frames in qzmath.geometry, quaternions and slerp in qzmath.quaternions, serial chains
+(forward kinematics over many configurations, Jacobians, damped least squares, IK) in
+qzmath.kinematics. Results are numpy arrays of their natural shape; conversions and products take
+leading batch axes.
 
 Errors: wrong types, None and wrong shapes raise TypeError or ValueError naming the parameter;
 NaN or infinite values (targets, samples, array elements, limits), non-positive limits and cycle
@@ -31,12 +33,12 @@ from .scalar import *  # noqa: F401,F403 (the plain functions)
 
 from .trackers import (MultiStageTracker, Path, SmoothedMultiStageTracker, SmoothedTracker,
                        TargetPVA, Tracker)
-from . import geometry, linalg, quaternions, records
+from . import geometry, kinematics, linalg, quaternions, records
 from . import scalar as _scalar
 
 __all__ = ["LIBRARY_PATH", "LIBRARY_VERSION", "unchecked", "ConvergenceError",
            "InvalidArgumentError", "QZMathError", "QZMathWarning", "SingularError", "StateError",
            "ErrorComparator", "Estimator", "OneFitter", "AveragingFilter", "SmoothedValue",
            "MultiStageTracker", "Path", "SmoothedMultiStageTracker", "SmoothedTracker",
-           "TargetPVA", "Tracker", "geometry", "linalg", "quaternions", "records"
+           "TargetPVA", "Tracker", "geometry", "kinematics", "linalg", "quaternions", "records"
            ] + _scalar.__all__

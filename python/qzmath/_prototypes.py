@@ -83,6 +83,16 @@ QZSMV_OnInit                 I32  QZSMVState* D D D D
 QZSMV_OnUpdateV              void QZSMVState* D D*
 QZSMV_OnUpdateVZO            void QZSMVState* D D* U8* U8*
 QZSMV_OnUpdateZO             void QZSMVState* D U8* U8*
+# QZKinematics
+QZKin_ChainInit              I32  QZKinChain* I32 D* D* D* D*
+QZKin_SetDamping             I32  QZKinChain* D D D
+QZKin_Forward                I32  QZKinChain* D* D*
+QZKin_ForwardPosQuat         I32  QZKinChain* D* D*
+QZKin_Jacobian               I32  QZKinChain* D* D* D*
+QZKin_OrientationError       I32  D* D* D*
+QZKin_DampedLeastSquares     I32  QZKinChain* D* D* D* D*
+QZKin_TrackerLead            I32  QZNSyncDTSState* D* D* D* D*
+QZKin_SolvePosition          I32  QZKinChain* D* D* I32 D D D* D* I32*
 # QZMatrix
 QZ_VectNorm2                 I32  D*
 QZ_VectNorm3                 I32  D*

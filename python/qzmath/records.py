@@ -159,6 +159,26 @@ class QZSMVState(ctypes.Structure):
     ]
 
 
+class QZKinChain(ctypes.Structure):
+    """The record QZKinChain of QZKinematics.h."""
+    _fields_ = [
+        ("jointNum", _i),
+        ("isInit", _u),
+        ("alpha", _d * 8),
+        ("a", _d * 8),
+        ("d", _d * 8),
+        ("offset", _d * 8),
+        ("sinAlpha", _d * 8),
+        ("cosAlpha", _d * 8),
+        ("tool", _d * 16),
+        ("qMin", _d * 8),
+        ("qMax", _d * 8),
+        ("lengthScale", _d),
+        ("sigmaThreshold", _d),
+        ("lambdaMax", _d),
+    ]
+
+
 class QZSlerpFactorState(ctypes.Structure):
     """The record QZSlerpFactorState of QZQuaternions.h."""
     _fields_ = [
@@ -180,6 +200,7 @@ RECORDS = {cls.__name__: cls for cls in (
     QZNSyncDTSMState,
     QZAVGFState,
     QZSMVState,
+    QZKinChain,
     QZSlerpFactorState,
 )}
 __all__ = ["RECORDS"] + list(RECORDS)

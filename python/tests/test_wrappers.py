@@ -154,3 +154,34 @@ def test_every_tracker_runs_both_forms_into_arrays():
     assert np.array_equal(now.pos, path.pos[-1]) and np.array_equal(now.acc, path.acc[-1])
     arm.state.axisNum = 100  # a copy: the record itself cannot be corrupted
     assert arm.hold().shape == (3,)
+
+
+def test_kinematics_batches_and_refusals():
+    from qzmath import kinematics as K
+    h = np.pi / 2
+    dh = [[0, 0, 333, 0], [-h, 0, 0, 0], [h, 0, 316, 0], [h, 82.5, 0, 0], [-h, -82.5, 384, 0],
+          [h, 0, 0, 0], [h, 88, 0, 0]]
+    tool = np.eye(4)
+    tool[2, 3] = 107.0
+    arm = K.Chain(dh, tool=tool)
+    q = RNG.uniform(-2.0, 2.0, size=(3, 4, 7))
+    poses, t = arm.pose(q), arm.forward(q)
+    assert poses.shape == (3, 4, 7) and np.array_equal(poses[2, 1], arm.pose(q[2, 1]))
+    assert np.array_equal(poses[..., :3], t[..., :3, 3]) and arm.jacobian(q).shape == (3, 4, 6, 7)
+    v = arm.solve(arm.jacobian(q[0, 0]), [10, 0, 0, 0, 0, 0.1])
+    assert np.allclose(arm.jacobian(q[0, 0]) @ v.qdot, [10, 0, 0, 0, 0, 0.1]) and v.damping == 0
+    ik = arm.solve_position(poses[0, 0], q[0, 0] + 0.05, tol_pos=1e-6, tol_rot=1e-9)
+    assert ik.converged and np.allclose(arm.pose(ik.q)[:3], poses[0, 0, :3], atol=1e-6)
+    r = K.orientation_error(unit_quats(5), unit_quats(5))
+    assert r.shape == (5, 3) and np.all(np.linalg.norm(r, axis=-1) <= np.pi)
+    tracker = qzmath.SmoothedTracker(1.0, [2.0] * 2, [10.0] * 2, [200.0] * 2)
+    assert K.tracker_lead(tracker, [1.0, 0.0]).tolist()[1] == 0.0
+    q[1, 2, 3] = np.nan
+    with pytest.raises(qzmath.InvalidArgumentError, match=r"q: .*batch index \(1, 2\)"):
+        arm.pose(q)
+    with pytest.raises(qzmath.InvalidArgumentError, match="tool"):
+        K.Chain(dh, tool=2 * tool)
+    with pytest.raises(ValueError, match="dh"):
+        K.Chain(np.zeros((9, 4)))
+    with pytest.raises(qzmath.InvalidArgumentError, match="q_target"):
+        K.orientation_error([0, 0, 0, 0], [0, 0, 0, 1])
