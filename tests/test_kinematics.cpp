@@ -293,15 +293,21 @@ TEST(Kinematics, RefusesBadInputWithItsCode) {
     for (int k = 0; k < 4; ++k) base[28 + 5 * k] = 1.0;
     std::copy(kLo, kLo + 7, base + 44);
     std::copy(kHi, kHi + 7, base + 51);
+    // clang-format off
     struct Chain {
         int n, entry;
         double value;
         int32_t rc;
     } chains[] = {{0, -1, 0, QZ_KIN_ERR_COUNT},    {9, -1, 0, QZ_KIN_ERR_COUNT},
                   {7, 1, nan, QZ_KIN_ERR_TABLE},   {7, 2, 2e9, QZ_KIN_ERR_TABLE},
-                  {7, 0, 13.0, QZ_KIN_ERR_TABLE},  {7, 31, inf, QZ_KIN_ERR_TOOL},
-                  {7, 43, 0.5, QZ_KIN_ERR_TOOL},   {7, 28, 1.001, QZ_KIN_ERR_TOOL},
-                  {7, 47, nan, QZ_KIN_ERR_LIMITS}, {7, 47, 5.0, QZ_KIN_ERR_LIMITS}};
+                  {7, 0, 13.0, QZ_KIN_ERR_TABLE},  {7, 3, 13.0, QZ_KIN_ERR_TABLE},
+                  {7, 31, inf, QZ_KIN_ERR_TOOL},   {7, 43, 0.5, QZ_KIN_ERR_TOOL},
+                  {7, 40, 0.5, QZ_KIN_ERR_TOOL},   {7, 41, 0.5, QZ_KIN_ERR_TOOL},
+                  {7, 42, 0.5, QZ_KIN_ERR_TOOL},   {7, 28, 1.001, QZ_KIN_ERR_TOOL},
+                  {7, 38, -1.0, QZ_KIN_ERR_TOOL},  {7, 47, nan, QZ_KIN_ERR_LIMITS},
+                  {7, 54, nan, QZ_KIN_ERR_LIMITS}, {7, 47, 5.0, QZ_KIN_ERR_LIMITS},
+                  {7, -1, 0, QZ_KIN_OK}};  // -1.0 at 38 mirrors the tool; the last has no length
+    // clang-format on
     for (const Chain &k : chains) {
         double in[58];
         QZKinChain out;
@@ -314,12 +320,28 @@ TEST(Kinematics, RefusesBadInputWithItsCode) {
     std::copy(q, q + 7, far);
     far[2] = 2e4;
     const double v[6] = {1, 1, 0, 0, 0, 0}, vnan[6] = {1, nan, 0, 0, 0, 0}, unit[4] = {0, 0, 0, 1},
-                 zero[4] = {};
+                 zero[4] = {}, nanPose[7] = {nan}, bigQuat[7] = {0, 0, 0, 3};
     ASSERT_ALL(QZKin_Jacobian(&c, q, j, nullptr) == 1, QZKin_ForwardPosQuat(&c, q, pose) == 1);
     EXPECT_ALL(
         QZKin_SetDamping(&uninit, 1, 0.1, 0.1) == QZ_KIN_ERR_COUNT,
         QZKin_SetDamping(&stiff, 0.0, 0.1, 0.1) == QZ_KIN_ERR_INPUT,
         QZKin_SetDamping(&stiff, 1.0, 0.1, 2.0) == QZ_KIN_ERR_INPUT,
+        QZKin_SetDamping(&stiff, 2e9, 0.1, 0.1) == QZ_KIN_ERR_INPUT,
+        QZKin_SetDamping(&stiff, 1.0, 0.0, 0.1) == QZ_KIN_ERR_INPUT,
+        QZKin_SetDamping(&stiff, 1.0, 1.5, 0.1) == QZ_KIN_ERR_INPUT,
+        QZKin_SetDamping(&stiff, 1.0, 0.1, -0.1) == QZ_KIN_ERR_INPUT,
+        QZKin_Jacobian(&uninit, q, j, nullptr) == QZ_KIN_ERR_COUNT,
+        QZKin_ForwardPosQuat(&uninit, q, pose) == QZ_KIN_ERR_COUNT,
+        QZKin_DampedLeastSquares(&uninit, j, v, out, nullptr) == QZ_KIN_ERR_COUNT,
+        QZKin_SolvePosition(&uninit, pose, q, 10, 1e-6, 1e-6, out, res, nullptr) ==
+            QZ_KIN_ERR_COUNT,
+        QZKin_SolvePosition(&c, pose, q, 1001, 1e-6, 1e-6, out, res, nullptr) == QZ_KIN_ERR_INPUT,
+        QZKin_SolvePosition(&c, pose, q, 10, 0.0, 1e-6, out, res, nullptr) == QZ_KIN_ERR_INPUT,
+        QZKin_SolvePosition(&c, pose, q, 10, 1e-6, 4.0, out, res, nullptr) == QZ_KIN_ERR_INPUT,
+        QZKin_SolvePosition(&c, pose, q, 10, 2e9, 1e-6, out, res, nullptr) == QZ_KIN_ERR_INPUT,
+        QZKin_SolvePosition(&c, pose, q, 10, 1e-6, 0.0, out, res, nullptr) == QZ_KIN_ERR_INPUT,
+        QZKin_SolvePosition(&c, nanPose, q, 10, 1e-6, 1e-6, out, res, nullptr) == QZ_KIN_ERR_INPUT,
+        QZKin_SolvePosition(&c, bigQuat, q, 10, 1e-6, 1e-6, out, res, nullptr) == QZ_KIN_ERR_INPUT,
         QZKin_Forward(&uninit, q, out) == QZ_KIN_ERR_COUNT,
         QZKin_Jacobian(&c, far, out, out) == QZ_KIN_ERR_INPUT,
         QZKin_DampedLeastSquares(&c, j, vnan, out, nullptr) == QZ_KIN_ERR_INPUT,
@@ -334,6 +356,11 @@ TEST(Kinematics, RefusesBadInputWithItsCode) {
     EXPECT_EQ(QZKin_TrackerLead(&s, v, nullptr, out, nullptr), QZ_KIN_ERR_COUNT);
     ASSERT_EQ(QZNSyncDTS_OnInit(&s, 2, 1.0, v, v, v), 1);
     EXPECT_EQ(QZKin_TrackerLead(&s, vnan, nullptr, out, nullptr), QZ_KIN_ERR_INPUT);
+    for (int nanLimit = 0; nanLimit < 2; ++nanLimit) {  // a NaN cycle time or limit: no lag
+        ASSERT_EQ(QZNSyncDTS_OnInit(&s, 2, nanLimit ? 1.0 : nan, v, v, v), 1);
+        if (nanLimit) ASSERT_EQ(QZNSyncDTS_OnSetRunTimeAcc(&s, vnan), 1);
+        EXPECT_EQ(QZKin_TrackerLead(&s, v, nullptr, out, nullptr), QZ_KIN_ERR_INPUT) << nanLimit;
+    }
 }
 
 // The C++ form gives the C results and names each refusal.
