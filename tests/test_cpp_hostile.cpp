@@ -78,8 +78,14 @@ TEST(CppHostile, ConversionsAndDecompositionsNameNonFiniteAndNonRotationInput) {
     // Huge but finite: the direction is still there, though the squared length overflows.
     const double h = 1e300, r2 = 0.7071067811865476;
     EXPECT_ALL(std::abs(normalize(Vec3{{h, h, 0}})->at(1) - r2) < 1e-15,
+               std::abs(normalize(Vec3{{1e154, 1e154, 0}})->at(1) - r2) < 1e-15,
                std::abs(inverse(Quat{{0, 0, h, h}})->at(3) - r2) < 1e-15,
                std::abs(angle(Vec3{{h, 0, 0}}, Vec3{{h, h, 0}})->value - 45) < 1e-12);
+    // A rotation vector that long has no angle left to turn by: its matrix would be NaN.
+    for (const auto &huge : {RotVec{{h, 0, 0}}, RotVec{{0, -1e308, 0}}})
+        EXPECT_ALL(rotation(huge).status() == S::non_finite,
+                   compose(huge, {}).status() == S::non_finite,
+                   relative({}, huge).status() == S::non_finite);
     // The ZYZ pose of a turn about z alone keeps its unit and position on the singular branch.
     const qz::Mat4 t = *qz::transform(qz::PoseXYZ<qz::Rad>{{1, 2, 3, 0, 0, 0.5}});
     const auto deg = qz::pose_zyz<qz::Deg>(t);

@@ -19,11 +19,14 @@ namespace qz {
 
 namespace detail {
 // The value a conversion writes through fn, or zeros with the status that refused its input.
+// A finite input can still give NaN (a rotation vector whose squared length overflows): such a
+// result is refused as non_finite too, never handed out under ok.
 template <class T, class F>
 Result<T> convert(Status status, F fn) noexcept {
     if (status != Status::ok) return {T{}, status};
     T out{};
     fn(out);
+    if (!finite(out)) return {T{}, Status::non_finite};
     return out;
 }
 // The status of a transform read as a pose: its rotation block a rotation, its position finite.
