@@ -142,6 +142,13 @@ TEST(CppHostile, UnusableLimitsCycleTimesAndSamplesAreRefusedByName) {
                                   smv.update(x).status(), cmp.update({}, {{x}}).status()};
         for (S s : got) EXPECT_EQ(s, std::isfinite(x) ? S::ok : S::non_finite) << x;
     }
+    // Finite samples whose sum or rate overflows give the last finite outputs, never inf or NaN.
+    qz::AveragingFilter<1> wide(5, 0.004), fast(5, 1e-310);
+    (void)fast.update({{1}});
+    const auto up = wide.update({{1.7e308}}), down = wide.update({{-1.7e308}}),
+               quick = fast.update({{2}});
+    EXPECT_ALL(up.ok(), down.status() == S::non_finite, down->rate[0] == up->rate[0],
+               quick.status() == S::non_finite, quick->rate[0] == 0.0);
     EXPECT_ALL(std::isfinite(est.record().heldPos[0]), std::isfinite(avg.record().avgSum[0]),
                std::isfinite(smv.value()), std::isfinite(cmp.record().integ[0]));
 }
