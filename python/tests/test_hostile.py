@@ -45,6 +45,7 @@ HOSTILE = [  # (record or None, call, error, message)
     (None, lambda r: Q.from_matrix(np.zeros((2, 4, 4))), BAD, "^r: not a rotation at batch"),
     (None, lambda r: Q.to_matrix([Q1, Q1, np.zeros(4)]), BAD, "^q: zero-norm .* index 2"),
     (None, lambda r: Q.angle(Q1, np.zeros(4)), BAD, "^q2: zero-norm"),
+    (None, lambda r: Q.to_matrix([1e-5, 0.0, 0.0, 0.0]), BAD, "^q: not a rotation"),
     (None, lambda r: Q.multiply(np.full(4, 1e300), np.full(4, 1e300)), BAD, "not finite"),
     (None, lambda r: Q.slerp(Q1, Q1, [0.5, NAN]), BAD, "^t: .* batch index 1"),
     (None, lambda r: Q.rotate(np.zeros(4), [1.0, 0.0, 0.0]), BAD, "^q: zero-norm"),
@@ -106,4 +107,6 @@ def test_every_public_module_declares_its_api_and_documents_it():
                 for what, x in [(name, obj)] + members:
                     if not what.startswith("_") and (callable(x) or isinstance(x, property)):
                         assert inspect.getdoc(x), "%s.%s %s" % (info.name, name, what)
+    # a quaternion whose squared length overflows keeps its direction
+    assert Q.normalize([1e300, 1e300, 0.0, 0.0])[0] == pytest.approx(0.5 ** 0.5, abs=1e-15)
     assert "np" not in G.__all__ and type(Q.length(Q1)) is type(Q.angle(Q1, Q1)) is float
