@@ -14,7 +14,7 @@ from qzmath import linalg as L
 from qzmath import quaternions as Q
 
 NAN, INF = float("nan"), float("inf")
-BAD = qzmath.InvalidArgumentError
+BAD, WARN = qzmath.InvalidArgumentError, qzmath.QZMathWarning
 I3, Q1 = np.eye(3), np.array([0.0, 0.0, 0.0, 1.0])
 
 
@@ -46,6 +46,7 @@ HOSTILE = [  # (record or None, call, error, message)
     (None, lambda r: Q.to_matrix([Q1, Q1, np.zeros(4)]), BAD, "^q: zero-norm .* index 2"),
     (None, lambda r: Q.angle(Q1, np.zeros(4)), BAD, "^q2: zero-norm"),
     (None, lambda r: Q.to_matrix([1e-5, 0.0, 0.0, 0.0]), BAD, "^q: not a rotation"),
+    (None, lambda r: qzmath.SmoothedTracker(1e-310, [1.0], [1.0], [9.0]), WARN, "^cycle_ms"),
     (None, lambda r: Q.multiply(np.full(4, 1e300), np.full(4, 1e300)), BAD, "not finite"),
     (None, lambda r: Q.slerp(Q1, Q1, [0.5, NAN]), BAD, "^t: .* batch index 1"),
     (None, lambda r: Q.rotate(np.zeros(4), [1.0, 0.0, 0.0]), BAD, "^q: zero-norm"),
@@ -75,7 +76,8 @@ def test_hostile_input_raises_and_leaves_the_record_finite(record, call, error, 
     if record and "tracker" in type(r).__name__.lower():
         r.step(np.zeros(r.axes) if hasattr(r, "axes") else 0.0)
     before = bytes(r._rec) if r else None
-    with pytest.raises(error, match=message):
+    with pytest.raises(error, match=message), warnings.catch_warnings():
+        warnings.simplefilter("error", WARN)
         call(r)
     assert r is None or bytes(r._rec) == before  # not advanced: it stays finite
 
