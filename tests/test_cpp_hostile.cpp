@@ -184,6 +184,11 @@ TEST(CppHostile, NanTargetsWhileMovingNeverCarryAJointPastItsLastTarget) {
     NoRunaway("MultiStageTracker", [&](double t) { return stages.step(t); });
     NoRunaway("SmoothedTracker", [&](double t) { return First(arm.step({{t, 0.25}})); });
     NoRunaway("SmoothedMultiStageTracker", [&](double t) { return First(armM.step({{t, 0.25}})); });
+    // A position whose average over the span overflows is no place to stand (it gave inf).
+    const auto far = arm.step({{1e301, 0}});
+    EXPECT_ALL(arm.reset_to({{1.7e308, 0}}) == S::non_finite,
+               armM.reset_to({{0, -1e301}}) == S::non_finite, far.status() == S::non_finite,
+               std::abs(far->at(0) - 0.5) < 1e-9);
 }
 
 }  // namespace
