@@ -81,11 +81,14 @@ TEST(CppHostile, ConversionsAndDecompositionsNameNonFiniteAndNonRotationInput) {
                std::abs(normalize(Vec3{{1e154, 1e154, 0}})->at(1) - r2) < 1e-15,
                std::abs(inverse(Quat{{0, 0, h, h}})->at(3) - r2) < 1e-15,
                std::abs(angle(Vec3{{h, 0, 0}}, Vec3{{h, h, 0}})->value - 45) < 1e-12);
-    // A rotation vector that long has no angle left to turn by: its matrix would be NaN.
+    // A rotation vector that long has no angle left to turn by: its matrix would be NaN, as
+    // would the slerp the longer way at such a t.
+    const Quat eighth{{0, 0, 0.38268343236508978, 0.92387953251128674}};
     for (const auto &huge : {RotVec{{h, 0, 0}}, RotVec{{0, -1e308, 0}}})
         EXPECT_ALL(rotation(huge).status() == S::non_finite,
                    compose(huge, {}).status() == S::non_finite,
                    relative({}, huge).status() == S::non_finite);
+    EXPECT_EQ(slerp_long(kUnit, eighth, -1e308).status(), S::non_finite);
     // The ZYZ pose of a turn about z alone keeps its unit and position on the singular branch.
     const qz::Mat4 t = *qz::transform(qz::PoseXYZ<qz::Rad>{{1, 2, 3, 0, 0, 0.5}});
     const auto deg = qz::pose_zyz<qz::Deg>(t);

@@ -248,6 +248,13 @@ Status finite_status(const T &...v) noexcept {
     return all_finite(v...) ? Status::ok : Status::non_finite;
 }
 
+// out, or zeros under non_finite when finite input still gave NaN or an infinity (a rotation
+// vector whose squared length overflows, a slerp at a huge t): never handed out under ok.
+template <class T>
+Result<T> finite_result(const T &out) noexcept {
+    return finite(out) ? Result<T>(out) : Result<T>(T{}, Status::non_finite);
+}
+
 // The status of quaternions where rotations are expected: non_finite for a NaN or an infinity,
 // zero_length for a length of at most 1e-9 (no direction to turn about), not_a_rotation for a
 // length not within 1e-3 of 1 (the C functions take them as unit length), else ok.

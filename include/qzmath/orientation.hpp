@@ -18,16 +18,14 @@
 namespace qz {
 
 namespace detail {
-// The value a conversion writes through fn, or zeros with the status that refused its input.
-// A finite input can still give NaN (a rotation vector whose squared length overflows): such a
-// result is refused as non_finite too, never handed out under ok.
+// The value a conversion writes through fn, or zeros with the status that refused its input
+// (non_finite too for a NaN result of finite input).
 template <class T, class F>
 Result<T> convert(Status status, F fn) noexcept {
     if (status != Status::ok) return {T{}, status};
     T out{};
     fn(out);
-    if (!finite(out)) return {T{}, Status::non_finite};
-    return out;
+    return finite_result(out);
 }
 // The status of a transform read as a pose: its rotation block a rotation, its position finite.
 inline Status pose_status(const Mat4 &t) noexcept {
