@@ -78,8 +78,17 @@ TEST(CppHostile, ConversionsAndDecompositionsNameNonFiniteAndNonRotationInput) {
     // Huge but finite: the direction is still there, though the squared length overflows.
     const double h = 1e300, r2 = 0.7071067811865476;
     EXPECT_ALL(std::abs(normalize(Vec3{{h, h, 0}})->at(1) - r2) < 1e-15,
+               std::abs(normalize(Vec3{{1e154, 1e154, 0}})->at(1) - r2) < 1e-15,
                std::abs(inverse(Quat{{0, 0, h, h}})->at(3) - r2) < 1e-15,
                std::abs(angle(Vec3{{h, 0, 0}}, Vec3{{h, h, 0}})->value - 45) < 1e-12);
+    // A rotation vector that long has no angle left to turn by: its matrix would be NaN, as
+    // would the slerp the longer way at such a t.
+    const Quat eighth{{0, 0, 0.38268343236508978, 0.92387953251128674}};
+    for (const auto &huge : {RotVec{{h, 0, 0}}, RotVec{{0, -1e308, 0}}})
+        EXPECT_ALL(rotation(huge).status() == S::non_finite,
+                   compose(huge, {}).status() == S::non_finite,
+                   relative({}, huge).status() == S::non_finite);
+    EXPECT_EQ(slerp_long(kUnit, eighth, -1e308).status(), S::non_finite);
     // The ZYZ pose of a turn about z alone keeps its unit and position on the singular branch.
     const qz::Mat4 t = *qz::transform(qz::PoseXYZ<qz::Rad>{{1, 2, 3, 0, 0, 0.5}});
     const auto deg = qz::pose_zyz<qz::Deg>(t);
@@ -136,6 +145,13 @@ TEST(CppHostile, UnusableLimitsCycleTimesAndSamplesAreRefusedByName) {
                                   smv.update(x).status(), cmp.update({}, {{x}}).status()};
         for (S s : got) EXPECT_EQ(s, std::isfinite(x) ? S::ok : S::non_finite) << x;
     }
+    // Finite samples whose sum or rate overflows give the last finite outputs, never inf or NaN.
+    qz::AveragingFilter<1> wide(5, 0.004), fast(5, 1e-310);
+    (void)fast.update({{1}});
+    const auto up = wide.update({{1.7e308}}), down = wide.update({{-1.7e308}}),
+               quick = fast.update({{2}});
+    EXPECT_ALL(up.ok(), down.status() == S::non_finite, down->rate[0] == up->rate[0],
+               quick.status() == S::non_finite, quick->rate[0] == 0.0);
     EXPECT_ALL(std::isfinite(est.record().heldPos[0]), std::isfinite(avg.record().avgSum[0]),
                std::isfinite(smv.value()), std::isfinite(cmp.record().integ[0]));
 }
@@ -171,6 +187,11 @@ TEST(CppHostile, NanTargetsWhileMovingNeverCarryAJointPastItsLastTarget) {
     NoRunaway("MultiStageTracker", [&](double t) { return stages.step(t); });
     NoRunaway("SmoothedTracker", [&](double t) { return First(arm.step({{t, 0.25}})); });
     NoRunaway("SmoothedMultiStageTracker", [&](double t) { return First(armM.step({{t, 0.25}})); });
+    // A position whose average over the span overflows is no place to stand (it gave inf).
+    const auto far = arm.step({{1e301, 0}});
+    EXPECT_ALL(arm.reset_to({{1.7e308, 0}}) == S::non_finite,
+               armM.reset_to({{0, -1e301}}) == S::non_finite, far.status() == S::non_finite,
+               std::abs(far->at(0) - 0.5) < 1e-9);
 }
 
 }  // namespace

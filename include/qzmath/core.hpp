@@ -227,20 +227,32 @@ template <class... T>
 bool all_finite(const T &...v) noexcept {
     return (finite(v) && ...);
 }
-// v, or v scaled by 2^-600 (exactly, a power of two) when its squared length would overflow: the
-// direction is the same and the length now fits, so that a function of the direction alone
-// (normalising, a unit inverse, an angle) gives it instead of zeros or NaN.
+// v, or v scaled by 2^-256 (exactly, a power of two) as often as its squared length would
+// overflow (at most three times): the direction is the same and the length now fits, so that a
+// function of the direction alone (normalising, a unit inverse, an angle) gives it instead of
+// zeros or NaN. Steps of 2^-256 leave the largest element above 2^250, far from the lengths
+// that the C functions take as zero.
 template <class T>
 T length_in_range(T v) noexcept {
     const auto plusSquare = [](double sum, double x) noexcept { return sum + x * x; };
-    if (std::accumulate(v.begin(), v.end(), 0.0, plusSquare) <= 1.7976931348623157e308) return v;
-    std::transform(v.begin(), v.end(), v.begin(), [](double x) noexcept { return x * 0x1p-600; });
+    for (int i = 0;
+         i < 3 && !(std::accumulate(v.begin(), v.end(), 0.0, plusSquare) <= 1.7976931348623157e308);
+         ++i)
+        std::transform(v.begin(), v.end(), v.begin(),
+                       [](double x) noexcept { return x * 0x1p-256; });
     return v;
 }
 // The status of an input that must be finite: ok or non_finite.
 template <class... T>
 Status finite_status(const T &...v) noexcept {
     return all_finite(v...) ? Status::ok : Status::non_finite;
+}
+
+// out, or zeros under non_finite when finite input still gave NaN or an infinity (a rotation
+// vector whose squared length overflows, a slerp at a huge t): never handed out under ok.
+template <class T>
+Result<T> finite_result(const T &out) noexcept {
+    return finite(out) ? Result<T>(out) : Result<T>(T{}, Status::non_finite);
 }
 
 // The status of quaternions where rotations are expected: non_finite for a NaN or an infinity,

@@ -33,11 +33,16 @@ class AveragingFilter {
     // update then fails).
     [[nodiscard]] Status status() const noexcept { return ok_ ? Status::ok : Status::bad_argument; }
     // The window's mean and rate; non_finite, the window unchanged and the last outputs given, when
-    // x holds a NaN or an infinity.
+    // x holds a NaN or an infinity. Finite samples can still overflow the window's sum or the rate
+    // (samples near the largest double, a subnormal dt): that update reports non_finite and gives
+    // the last finite outputs; the sample is in the window, which forgets it after its length.
     [[nodiscard]] Result<Averaged<N>> update(const Vec<N> &x) noexcept {
         if (!ok_) return {last_, Status::not_initialised};
         if (!detail::all_finite(x)) return {last_, Status::non_finite};
-        (void)QZAVGF_OnFilt(&s_, x.data(), last_.avg.data(), last_.rate.data());
+        Averaged<N> out;
+        (void)QZAVGF_OnFilt(&s_, x.data(), out.avg.data(), out.rate.data());
+        if (!detail::all_finite(out.avg, out.rate)) return {last_, Status::non_finite};
+        last_ = out;
         return last_;
     }
     // The next update starts the window afresh from its sample.

@@ -18,13 +18,14 @@
 namespace qz {
 
 namespace detail {
-// The value a conversion writes through fn, or zeros with the status that refused its input.
+// The value a conversion writes through fn, or zeros with the status that refused its input
+// (non_finite too for a NaN result of finite input).
 template <class T, class F>
 Result<T> convert(Status status, F fn) noexcept {
     if (status != Status::ok) return {T{}, status};
     T out{};
     fn(out);
-    return out;
+    return finite_result(out);
 }
 // The status of a transform read as a pose: its rotation block a rotation, its position finite.
 inline Status pose_status(const Mat4 &t) noexcept {

@@ -59,13 +59,14 @@ template <class U>
         return Rad{QZ_QuaternionAngleArc(a.data(), b.data())};
 }
 // Spherical interpolation along the shorter way; t = 0 gives a, t = 1 gives b (or -b). Either
-// quaternion no rotation, or t not finite: zero_length, not_a_rotation or non_finite, zeros.
+// quaternion no rotation, or t not finite: zero_length, not_a_rotation or non_finite, zeros;
+// non_finite too where a huge t gives NaN.
 [[nodiscard]] inline Result<Quat> slerp(const Quat &a, Quat b, double t) noexcept {
     if (const Status s = detail::rotation_status(a, b); s != Status::ok) return {Quat{}, s};
     if (!std::isfinite(t)) return {Quat{}, Status::non_finite};
     Quat out;
     QZ_QuatSlerp(a.data(), b.data(), t, out.data());
-    return out;
+    return detail::finite_result(out);
 }
 // Spherical interpolation along the longer way; refusals as slerp.
 [[nodiscard]] inline Result<Quat> slerp_long(const Quat &a, const Quat &b, double t) noexcept {
@@ -73,7 +74,7 @@ template <class U>
     if (!std::isfinite(t)) return {Quat{}, Status::non_finite};
     Quat out;
     QZ_QuatSlerpL(a.data(), b.data(), t, out.data());
-    return out;
+    return detail::finite_result(out);
 }
 // Slerp between one fixed pair, its angle worked out once on the first call of at(). A pair that
 // is no rotation is refused once, at construction: status() and every at() say why.
@@ -88,7 +89,7 @@ class Slerp {
         Quat out;
         (long_ ? QZ_QuatSlerpFactorL : QZ_QuatSlerpFactor)(a_.data(), b_.data(), t, out.data(),
                                                            &state_);
-        return out;
+        return detail::finite_result(out);
     }
     const QZSlerpFactorState &record() const noexcept { return state_; }
 

@@ -16,7 +16,8 @@
 //   jump_to_next_target()   the next step outputs its target itself: Status
 //   set_limits(vel, acc)    run-time limits: Limit (per axis: LimitReport)
 // What they refuse, and why, keeps the arm in a defined state:
-//   - A NaN or infinite target is not taken: that cycle steps towards the last accepted target,
+//   - A NaN or infinite target is not taken (nor, by an N-axis tracker, one beyond +-1e300,
+//     whose average would overflow): that cycle steps towards the last accepted target,
 //     within the limits, and reports non_finite (an N-axis tracker does this per axis). Before the
 //     first accepted target there is none to move to: the position is held and nothing steps.
 //   - A NaN, infinite, zero or negative limit or cycle time is refused (Limit::invalid); a
@@ -52,6 +53,13 @@ constexpr bool limits_clamped(double vel, double acc) noexcept {
 }
 constexpr bool cycle_clamped(double cycleMs) noexcept {
     return !(cycleMs >= kCycleMin && cycleMs <= kCycleMax);
+}
+// A target or position an N-axis tracker can take: finite and within +-1e300, so that its
+// average over a span of up to 100 cycles cannot overflow (from 1.7e308 it gave inf under ok).
+inline bool averageable(double x) noexcept { return std::isfinite(x) && std::fabs(x) <= 1e300; }
+template <std::size_t N>
+bool averageable(const Vec<N> &v) noexcept {
+    return std::all_of(v.begin(), v.end(), [](double x) { return averageable(x); });
 }
 // A limit or a cycle time that can be given to a tracker at all: finite and above zero.
 inline bool usable(double x) noexcept { return std::isfinite(x) && x > 0.0; }
@@ -118,7 +126,7 @@ Status step_accepted(const Record &s, const Vec<N> &target, Call call) noexcept 
     Vec<N> t = target;
     bool allFinite = true;
     for (std::size_t i = 0; i < N; ++i)
-        if (!std::isfinite(t[i])) t[i] = s.target[i], allFinite = false;
+        if (!averageable(t[i])) t[i] = s.target[i], allFinite = false;
     if (!allFinite && s.resetPending) return Status::non_finite;
     call(t.data());
     return allFinite ? Status::ok : Status::non_finite;
@@ -354,7 +362,7 @@ class SmoothedTracker {
     // Every axis stands at its position, at rest; the next step moves from there.
     [[nodiscard]] Status reset_to(const Vec<N> &position) noexcept {
         if (s_.isInit == 0) return Status::not_initialised;
-        if (!detail::all_finite(position)) return Status::non_finite;
+        if (!detail::averageable(position)) return Status::non_finite;
         (void)QZNSyncDTS_OnEmpty(&s_);
         Vec<N> pos{};
         (void)QZNSyncDTS_OnDT(&s_, position.data(), pos.data());
@@ -457,7 +465,7 @@ class SmoothedMultiStageTracker {
     }
     [[nodiscard]] Status reset_to(const Vec<N> &position) noexcept {
         if (s_.isInit == 0) return Status::not_initialised;
-        if (!detail::all_finite(position)) return Status::non_finite;
+        if (!detail::averageable(position)) return Status::non_finite;
         (void)QZNSyncDTS_OnEmptyM(&s_);
         Vec<N> pos{};
         (void)QZNSyncDTS_OnDTM(&s_, position.data(), pos.data());

@@ -28,6 +28,7 @@ __all__ = []  # internal: the checks and conversions the public modules share
 F8 = np.dtype(np.float64)
 # A quaternion no longer than this has no direction: it stands for no rotation.
 ZERO_QUAT = 1e-9
+UNIT_SQ = (0.998, 1.002)  # squared lengths of a quaternion taken as unit length
 ROTATION = "rotation"  # mapped(): an input that must be a rotation matrix or rigid transform
 
 
@@ -115,15 +116,37 @@ def must_be_finite(a, name, lead=0, what="must be finite"):
                                                      " at " + at if at else ""))
 
 
-def rotation_quats(q, name, lead):
+def rotation_quats(q, name, lead, unit=True):
     """InvalidArgumentError at the first quaternion (the last axis of q) with no direction, which
-    stands for no rotation."""
-    short = np.einsum("...i,...i->...", q, q) <= ZERO_QUAT * ZERO_QUAT
+    stands for no rotation, and with unit=True at the first whose length is not within 1e-3 of 1:
+    the library takes it as unit length, and (1e-5, 0, 0, 0) would give the identity instead of
+    a half turn."""
+    sq = np.einsum("...i,...i->...", q, q)
+    short = sq <= ZERO_QUAT * ZERO_QUAT
     if short.any():
         where = np.unravel_index(int(np.argmax(short.ravel())), short.shape)
         at = " at batch index %s" % _index(where[:lead]) if lead else ""
         raise InvalidArgumentError("%s: zero-norm quaternion%s (length not above %g): it is no"
                                    " rotation" % (name, at, ZERO_QUAT))
+    off = ~((sq >= UNIT_SQ[0]) & (sq <= UNIT_SQ[1])) if unit else np.zeros(sq.shape, bool)
+    if off.any():
+        where = np.unravel_index(int(np.argmax(off.ravel())), off.shape)
+        at = " at batch index %s" % _index(where[:lead]) if lead else ""
+        raise InvalidArgumentError("%s: not a rotation%s (length %g, not 1 within 1e-3)"
+                                   % (name, at, math.sqrt(sq[where])))
+
+
+def length_in_range(q, name, shape):
+    """A copy of the (..., n) array q with each row whose squared length overflows scaled by
+    2^-256 (exactly) until it fits, at most three times: the direction is kept, so normalising or
+    inverting it gives that direction rather than zeros."""
+    a = array(q, name, shape, batch=True)
+    for _ in range(3):
+        big = ~(np.einsum("...i,...i->...", a, a) <= np.finfo(float).max) & np.isfinite(a).all(-1)
+        if not big.any():
+            break
+        a[big] *= 2.0 ** -256
+    return a
 
 
 def rotations(r, name, lead):
@@ -238,8 +261,8 @@ def mapped(fn, inputs, out_shape, scalars=(), inplace=None, written=()):
     for a, it, t in zip(arrays, items, tails):
         if len(it) > 3 and it[3] is ROTATION:
             rotations(a, it[1], a.ndim - len(t))
-        elif len(it) > 3:
-            rotation_quats(a[..., it[3]], it[1], a.ndim - len(t))
+        elif len(it) > 3:  # a fifth item: any length but zero will do (normalised first)
+            rotation_quats(a[..., it[3]], it[1], a.ndim - len(t), unit=len(it) == 4)
     count = int(np.prod(lead, dtype=np.int64))
     args = []
     for k, (a, t) in enumerate(zip(arrays + values, tails + [()] * len(values))):

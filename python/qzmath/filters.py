@@ -25,8 +25,9 @@ class AveragingFilter(_Record):
         self._n = A.integer(channels, "channels", 1, 8)
         n = A.integer(span, "span", 1, 100)
         d = A.finite(dt, "dt")
-        if d == 0:
-            raise InvalidArgumentError("dt: must not be 0 (it divides the derivative)")
+        if not d > 0:
+            raise InvalidArgumentError("dt: must be positive (it divides the derivative), got %r"
+                                       % d)
         if not raw.QZAVGF_OnInit(self._p, self._n, n, d):
             raise InvalidArgumentError("the library refused channels=%d, span=%d" % (self._n, n))
         self._avg, self._davg = np.zeros(8), np.zeros(8)
@@ -38,12 +39,19 @@ class AveragingFilter(_Record):
 
     def filter(self, x):
         """One sample per channel; returns (averages, derivatives of the average). The first
-        call after construction or reset() fills the window with x."""
+        call after construction or reset() fills the window with x. Where finite samples
+        overflow the average or its derivative (values near the largest float, a tiny dt),
+        InvalidArgumentError is raised and the last outputs kept, but the sample stays in the
+        window, which forgets it after `span` samples: put back, it would make every later
+        sample overflow too."""
         xs = A.per_axis(x, "x", n=self._n)
-        if not self._guarded(lambda: raw.QZAVGF_OnFilt(self._p, A.addr(xs), A.addr(self._avg),
-                                                       A.addr(self._davg)),
-                             self._avg, self._davg):
+        last = self._avg.copy(), self._davg.copy()
+        if not raw.QZAVGF_OnFilt(self._p, A.addr(xs), A.addr(self._avg), A.addr(self._davg)):
             raise StateError("filter refused: the record is not initialised")
+        if not (A.all_finite(self._avg) and A.all_finite(self._davg)):
+            self._avg, self._davg = last
+            raise InvalidArgumentError("x: the average or its derivative is not finite (the"
+                                       " window's values are too large for dt)")
         return self._avg[:self._n].copy(), self._davg[:self._n].copy()
 
     def reset(self) -> None:

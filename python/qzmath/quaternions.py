@@ -6,8 +6,9 @@ vector is the unit axis times the angle (radians, or degrees with degrees=True).
 
 Functions take any array-like and return numpy arrays (a single length or angle as a float).
 Every function that takes or gives angles takes degrees=True for degrees; radians otherwise.
-Where a quaternion stands for a rotation, a zero-norm one (length not above 1e-9) is refused
-with InvalidArgumentError naming its batch index, as is a matrix that is no rotation
+Where a quaternion stands for a rotation, a zero-norm one (length not above 1e-9) or one whose
+length is not within 1e-3 of 1 is refused with InvalidArgumentError naming its batch index, as is
+a matrix that is no rotation
 (determinant not within 0.1 of 1) and NaN and infinite values everywhere.
 
 Where a parameter's shape is written (..., 4) it may carry leading batch axes, which broadcast
@@ -37,12 +38,14 @@ POSE_ROT = slice(3, 7)  # the rotation of a PosQuat pose
 def multiply(a, b) -> np.ndarray:
     """Hamilton product a (x) b of (..., 4) quaternions: the rotation of b followed by that of
     a."""
-    return A.mapped("QZ_QuatMult", [(a, "a", Q, ROT), (b, "b", Q, ROT)], Q)[0]
+    # a product of quaternions of any length but zero: nothing here takes them as unit length
+    return A.mapped("QZ_QuatMult", [(a, "a", Q, ROT, "any length"), (b, "b", Q, ROT, "any length")],
+                    Q)[0]
 
 
 def normalize(q) -> np.ndarray:
     """(..., 4) quaternions divided by their lengths; SingularError for a length <= 1e-16."""
-    out, ok = A.mapped("QZ_QuaternionNorm", [], Q, inplace=(q, "q", Q))
+    out, ok = A.mapped("QZ_QuaternionNorm", [], Q, inplace=(A.length_in_range(q, "q", Q), "q", Q))
     _refused(ok, "q: zero quaternion")
     return out
 
@@ -60,7 +63,7 @@ def conjugate(q) -> np.ndarray:
 def inverse(q) -> np.ndarray:
     """Conjugates divided by the lengths (the inverse rotations) of (..., 4) quaternions;
     SingularError for a length not above 1e-9."""
-    out, ok = A.mapped("QZ_QuaternionInverse", [(q, "q", Q)], Q)
+    out, ok = A.mapped("QZ_QuaternionInverse", [(A.length_in_range(q, "q", Q), "q", Q)], Q)
     _refused(ok, "q: quaternion too short to invert")
     return out
 
@@ -122,7 +125,8 @@ def pose_to_matrix(pose, normalize: bool = True) -> np.ndarray:
     """(..., 4, 4) transforms of (..., 7) PosQuat poses, the quaternion normalised first unless
     normalize=False (then taken as unit length)."""
     fn = "QZ_PosQuat2Matrix_UnNorm" if normalize else "QZ_PosQuat2Matrix"
-    return A.mapped(fn, [(pose, "pose", (7,), POSE_ROT)], (4, 4))[0]
+    rot = (POSE_ROT, "any length") if normalize else (POSE_ROT,)
+    return A.mapped(fn, [(pose, "pose", (7,)) + rot], (4, 4))[0]
 
 
 def pose_from_xyzabc(pose, *, degrees: bool) -> np.ndarray:

@@ -325,9 +325,9 @@ class _NAxis(_Tracker):
         dt = min(max(cycle, CYCLE_RANGE[0]), CYCLE_RANGE[1]) / 1000.0
         msgs = []
         for i in range(self._n):
-            want = (1000.0 * acc[i] / jerk[i]) / cycle
+            want = (1000.0 * float(acc[i]) / float(jerk[i])) / cycle  # inf, no numpy warning
             span = self._rec.avgLen[i]
-            if not lo <= math.trunc(want) <= hi:
+            if not (math.isfinite(want) and lo <= math.trunc(want) <= hi):  # subnormal cycle
                 a = min(max(acc[i], ACC_RANGE[0]), ACC_RANGE[1])
                 msgs.append("axis %d: %.4g cycles clamped to %d (jerk about %.4g instead of %g)"
                             % (i, want, span, a / (span * dt), jerk[i]))

@@ -14,7 +14,7 @@ from qzmath import linalg as L
 from qzmath import quaternions as Q
 
 NAN, INF = float("nan"), float("inf")
-BAD = qzmath.InvalidArgumentError
+BAD, WARN = qzmath.InvalidArgumentError, qzmath.QZMathWarning
 I3, Q1 = np.eye(3), np.array([0.0, 0.0, 0.0, 1.0])
 
 
@@ -45,6 +45,8 @@ HOSTILE = [  # (record or None, call, error, message)
     (None, lambda r: Q.from_matrix(np.zeros((2, 4, 4))), BAD, "^r: not a rotation at batch"),
     (None, lambda r: Q.to_matrix([Q1, Q1, np.zeros(4)]), BAD, "^q: zero-norm .* index 2"),
     (None, lambda r: Q.angle(Q1, np.zeros(4)), BAD, "^q2: zero-norm"),
+    (None, lambda r: Q.to_matrix([1e-5, 0.0, 0.0, 0.0]), BAD, "^q: not a rotation"),
+    (None, lambda r: qzmath.SmoothedTracker(1e-310, [1.0], [1.0], [9.0]), WARN, "^cycle_ms"),
     (None, lambda r: Q.multiply(np.full(4, 1e300), np.full(4, 1e300)), BAD, "not finite"),
     (None, lambda r: Q.slerp(Q1, Q1, [0.5, NAN]), BAD, "^t: .* batch index 1"),
     (None, lambda r: Q.rotate(np.zeros(4), [1.0, 0.0, 0.0]), BAD, "^q: zero-norm"),
@@ -74,7 +76,8 @@ def test_hostile_input_raises_and_leaves_the_record_finite(record, call, error, 
     if record and "tracker" in type(r).__name__.lower():
         r.step(np.zeros(r.axes) if hasattr(r, "axes") else 0.0)
     before = bytes(r._rec) if r else None
-    with pytest.raises(error, match=message):
+    with pytest.raises(error, match=message), warnings.catch_warnings():
+        warnings.simplefilter("error", WARN)
         call(r)
     assert r is None or bytes(r._rec) == before  # not advanced: it stays finite
 
@@ -106,4 +109,14 @@ def test_every_public_module_declares_its_api_and_documents_it():
                 for what, x in [(name, obj)] + members:
                     if not what.startswith("_") and (callable(x) or isinstance(x, property)):
                         assert inspect.getdoc(x), "%s.%s %s" % (info.name, name, what)
+    # a window that overflows raises, but forgets its huge sample (the average's derivative
+    # spans one sample more than the window)
+    f = qzmath.AveragingFilter(1, 2, 0.004)
+    f.filter([1.7e308])
+    for x in (1.0, 1.0, 1.0):
+        with pytest.raises(BAD, match="^x: "):
+            f.filter([x])
+    assert f.filter([1.0])[0][0] == 1.0
+    # a quaternion whose squared length overflows keeps its direction
+    assert Q.normalize([1e300, 1e300, 0.0, 0.0])[0] == pytest.approx(0.5 ** 0.5, abs=1e-15)
     assert "np" not in G.__all__ and type(Q.length(Q1)) is type(Q.angle(Q1, Q1)) is float
