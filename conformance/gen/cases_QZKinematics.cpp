@@ -82,19 +82,13 @@ void Chains(Writer &w) {
         double value;
         int32_t n;
     };
-    const Bad bad[] = {{"count 0", -1, 0, 0},
-                       {"count 9", -1, 0, 9},
-                       {"nan length", 1, kNaN, 7},
-                       {"huge length", 2, 2e9, 7},
-                       {"inf twist", 0, kInf, 7},
-                       {"tool scaled", 32, 1.001, 7},
-                       {"tool row", 47, 0.5, 7},
-                       {"limit nan", 48, kNaN, 7},
-                       {"tool mirrored", 42, -1.0, 7},
-                       {"tool bottom x", 44, 0.5, 7},
-                       {"tool bottom y", 45, 0.5, 7},
-                       {"tool bottom z", 46, 0.5, 7},
-                       {"upper limit nan", 59, kNaN, 7},
+    const Bad bad[] = {{"count 0", -1, 0, 0},          {"count 9", -1, 0, 9},
+                       {"nan length", 1, kNaN, 7},     {"huge length", 2, 2e9, 7},
+                       {"inf twist", 0, kInf, 7},      {"tool scaled", 32, 1.001, 7},
+                       {"tool row", 47, 0.5, 7},       {"limit nan", 48, kNaN, 7},
+                       {"tool mirrored", 42, -1.0, 7}, {"huge offset", 3, 13.0, 7},
+                       {"tool bottom x", 44, 0.5, 7},  {"tool bottom y", 45, 0.5, 7},
+                       {"tool bottom z", 46, 0.5, 7},  {"upper limit nan", 59, kNaN, 7},
                        {"limits crossed", 51, 1.0, 7}};
     for (const Bad &b : bad) {
         w.seq("QZKinChain", std::string("refused-") + b.label);
