@@ -3,6 +3,7 @@
 // three-joint chain, which takes the joint-space form of the solver), the orientation error
 // near 0 and pi, and the tracker lead on a running N-axis tracker.
 #include <cmath>
+#include <string>
 
 #include "QZDT.h"
 #include "QZKinematics.h"
@@ -48,8 +49,29 @@ void Chains(Writer &w) {
     w.op("QZKin_SetDamping", {1000.0, 0.02, 0.005});
     w.op("QZKin_SetDamping", {0.0, 0.02, 0.005});
     w.op("QZKin_SetDamping", {1000.0, kNaN, 0.005});
+    for (const Doubles &bad :
+         {Doubles{2e9, 0.01, 0.01}, Doubles{1000, 0.0, 0.01}, Doubles{1000, 2.0, 0.01},
+          Doubles{1000, 0.01, -1.0}, Doubles{1000, 0.01, 2.0}})
+        w.op("QZKin_SetDamping", bad);
     w.state();
     w.end();
+    // A record never initialised, and one whose joint count was overwritten: every call refuses.
+    for (int32_t count : {0, 9, -1}) {
+        w.seq("QZKinChain", "unusable-" + std::to_string(count));
+        if (count >= 0) {
+            w.op("QZKin_ChainInit", ArmInit(), {7});
+            w.set_int("jointNum", count);
+        }
+        const Doubles q = Padded({0.1, 0.2}, 8);
+        w.op("QZKin_Forward", q);
+        w.op("QZKin_ForwardPosQuat", q);
+        w.op("QZKin_Jacobian", q);
+        w.op("QZKin_DampedLeastSquares", Padded({1.0}, 54));
+        w.op("QZKin_SolvePosition", Join({{0, 0, 1, 0, 0, 0, 1}, Padded({}, 8), {1e-6, 1e-9}}),
+             {10});
+        w.op("QZKin_SetDamping", {1.0, 0.1, 0.1});
+        w.end();
+    }
     w.seq("QZKinChain", "short");
     w.op("QZKin_ChainInit.bare", Padded({0, 0, 100, 0.3, 0, 300, 0, 0, 0, 250, 0, 0}, 32), {3});
     w.state();
@@ -60,10 +82,14 @@ void Chains(Writer &w) {
         double value;
         int32_t n;
     };
-    const Bad bad[] = {
-        {"count 0", -1, 0, 0},      {"count 9", -1, 0, 9},      {"nan length", 1, kNaN, 7},
-        {"huge length", 2, 2e9, 7}, {"inf twist", 0, kInf, 7},  {"tool scaled", 32, 1.001, 7},
-        {"tool row", 47, 0.5, 7},   {"limit nan", 48, kNaN, 7}, {"limits crossed", 51, 1.0, 7}};
+    const Bad bad[] = {{"count 0", -1, 0, 0},          {"count 9", -1, 0, 9},
+                       {"nan length", 1, kNaN, 7},     {"huge length", 2, 2e9, 7},
+                       {"inf twist", 0, kInf, 7},      {"tool scaled", 32, 1.001, 7},
+                       {"tool row", 47, 0.5, 7},       {"limit nan", 48, kNaN, 7},
+                       {"tool mirrored", 42, -1.0, 7}, {"huge offset", 3, 13.0, 7},
+                       {"tool bottom x", 44, 0.5, 7},  {"tool bottom y", 45, 0.5, 7},
+                       {"tool bottom z", 46, 0.5, 7},  {"upper limit nan", 59, kNaN, 7},
+                       {"limits crossed", 51, 1.0, 7}};
     for (const Bad &b : bad) {
         w.seq("QZKinChain", std::string("refused-") + b.label);
         Doubles d = ArmInit();
@@ -118,6 +144,36 @@ void Kinematics(Writer &w) {
     w.end();
 }
 
+void Sizes(Writer &w) {
+    w.comment("chains of 1 to 8 joints: random tables, kinematics, Jacobians and damped solves");
+    for (int32_t n = 1; n <= 8; ++n) {
+        w.seq("QZKinChain", "joints-" + std::to_string(n));
+        Doubles dh;
+        for (int i = 0; i < n; ++i) {
+            const Doubles row = {Uniform(-3.1, 3.1), Uniform(0, 300), Uniform(0, 300),
+                                 Uniform(-1, 1)};
+            dh.insert(dh.end(), row.begin(), row.end());
+        }
+        w.op("QZKin_ChainInit.bare", Padded(dh, 32), {n});
+        for (int k = 0; k < 3; ++k) {
+            const Doubles q = Padded(Randoms(n, -3, 3), 8);
+            w.op("QZKin_Forward", q);
+            const qzc_frame &f = w.op("QZKin_Jacobian", q);
+            w.op("QZKin_DampedLeastSquares", Join({Doubles(f.o, f.o + 48), Randoms(6, -1, 1)}));
+        }
+        w.end();
+    }
+    // Two joints about one axis through the tool point: the Jacobian has rank 1 whatever q, so
+    // undamped the IK's solve is refused and the search ends where it began.
+    w.seq("QZKinChain", "collinear-undamped");
+    w.op("QZKin_ChainInit.bare", Padded({}, 32), {2});
+    w.op("QZKin_SetDamping", {1.0, 0.01, 0.0});
+    w.op("QZKin_SolvePosition", Join({{0, 0, 0, 0.6, 0, 0, 0.8}, Padded({}, 8), {1e-6, 1e-9}}),
+         {20});
+    w.state();
+    w.end();
+}
+
 void OrientationError(Writer &w) {
     w.comment("orientation error: random pairs, near 0 and pi, both signs, refusals");
     for (double phi :
@@ -160,6 +216,17 @@ void Lead(Writer &w) {
     w.op("QZKin_TrackerLead", Join({v, a}));
     w.op("QZKin_TrackerLead", Join({Padded({kNaN}, 8), a}));
     w.op("QZKin_TrackerLead", Join({v, Padded({kInf}, 8)}));
+    w.set("axis[2].accLmt", 0.0);  // a record edited by hand: no lag to speak of
+    w.op("QZKin_TrackerLead", Join({v, a}));
+    w.set_int("axisNum", 9);
+    w.op("QZKin_TrackerLead", Join({v, a}));
+    w.set_int("axisNum", 0);
+    w.op("QZKin_TrackerLead", Join({v, a}));
+    w.end();
+    w.seq("QZNSyncDTSState", "lead-nan-cycle");  // the tracker keeps a NaN cycle time
+    w.op("QZNSyncDTS_OnInit",
+         Join({{kNaN}, Padded({2, 2}, 8), Padded({7.5, 7.5}, 8), Padded({3750, 3750}, 8)}), {2});
+    w.op("QZKin_TrackerLead", Join({v, a}));
     w.end();
 }
 
@@ -183,6 +250,18 @@ void Ik(Writer &w) {
     w.op("QZKin_SolvePosition", Join({pose, seed, {1e-6, 1e-9}}), {0});
     w.op("QZKin_SolvePosition", Join({pose, seed, {0.0, 1e-9}}), {10});
     w.op("QZKin_SolvePosition", Join({{kNaN, 0, 0, 0, 0, 0, 1}, seed, {1e-6, 1e-9}}), {10});
+    const Doubles unit = {0, 0, 0, 1};
+    struct BadIk {
+        Doubles pose;
+        int32_t iters;
+        double tolPos, tolRot;
+    } bad[] = {
+        {{2e9, 0, 0, 0, 0, 0, 1}, 10, 1e-6, 1e-9}, {{0, 0, 0, 0, 0, 3, 1}, 10, 1e-6, 1e-9},
+        {{0, 0, 0, 0, 0, 0, 0}, 10, 1e-6, 1e-9},   {Join({{0, 0, 0}, unit}), 1001, 1e-6, 1e-9},
+        {Join({{0, 0, 0}, unit}), 10, kNaN, 1e-9}, {Join({{0, 0, 0}, unit}), 10, 2e9, 1e-9},
+        {Join({{0, 0, 0}, unit}), 10, 1e-6, 0.0},  {Join({{0, 0, 0}, unit}), 10, 1e-6, 4.0}};
+    for (const BadIk &b : bad)
+        w.op("QZKin_SolvePosition", Join({b.pose, seed, {b.tolPos, b.tolRot}}), {b.iters});
     w.end();
 }
 
@@ -191,6 +270,7 @@ Register kinematics("QZKinematics_kinematics", Kinematics);
 Register orientation("QZKinematics_orientation_error", OrientationError);
 Register lead("QZKinematics_lead", Lead);
 Register ik("QZKinematics_ik", Ik);
+Register sizes("QZKinematics_sizes", Sizes);
 
 }  // namespace
 }  // namespace qzgen

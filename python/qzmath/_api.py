@@ -202,7 +202,7 @@ _I64, _VP = ctypes.c_int64, ctypes.c_void_p
 # The batch helper's element loops (python/qzmath/_batch.c), by the C signature they call, with
 # the number of (address, step) pairs each takes.
 _BATCH_LOOPS = {
-    "p": 1, "pp": 2, "ppp": 3, "sp": 2, "sssp": 4, "ssssp": 5, "ppsp": 4,
+    "p": 1, "pp": 2, "ppp": 3, "pppp": 4, "sp": 2, "sssp": 4, "ssssp": 5, "ppsp": 4,
 }
 
 

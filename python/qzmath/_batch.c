@@ -53,6 +53,11 @@ QZB_API void qzb_ppp(void *fn, int ret, I n, D *p0, I s0, D *p1, I s1, D *p2, I 
     QZB_LOOP((D *, D *, D *), (P(0), P(1), P(2)));
 }
 
+QZB_API void qzb_pppp(void *fn, int ret, I n, D *p0, I s0, D *p1, I s1, D *p2, I s2, D *p3, I s3,
+                      D *res) {
+    QZB_LOOP((D *, D *, D *, D *), (P(0), P(1), P(2), P(3)));
+}
+
 QZB_API void qzb_sp(void *fn, int ret, I n, D *p0, I s0, D *p1, I s1, D *res) {
     QZB_LOOP((D, D *), (*P(0), P(1)));
 }

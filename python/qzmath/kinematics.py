@@ -16,7 +16,7 @@ import ctypes
 
 import numpy as np
 
-from ._api import raw
+from ._api import address, batch, raw
 from . import _arrays as A
 from .errors import InvalidArgumentError, SingularError, StateError
 from .records import QZKinChain
@@ -38,20 +38,27 @@ _REFUSED = {-1: "the chain or tracker is not initialised",
             -5: "NaN, infinite or absurd input"}
 
 
-def _loop(fn, inputs, out_shape):
-    """fn(*input pointers, output pointer) once per element of the broadcast leading axes of the
-    inputs ((array, trailing length) pairs, already checked), in a Python loop; returns the output
-    of shape leading + out_shape and the index of the first element fn refused (or None)."""
+def _loop(name, inputs, out_shape, chain=None, tail=False):
+    """The library's function `name`([chain,] *inputs, out[, NULL]) over the broadcast leading axes
+    of the inputs ((array, trailing length) pairs, already checked) in one call of the batch
+    helper; returns the output of shape leading + out_shape and the index of the first element
+    the function refused (or None)."""
     lead = np.broadcast_shapes(*[a.shape[:-1] for a, _ in inputs])
     count = int(np.prod(lead, dtype=np.int64))
     flat = [np.ascontiguousarray(np.broadcast_to(a, lead + (k,))).reshape(count, k)
             for a, k in inputs]
-    out = np.zeros((count,) + out_shape)
-    steps = [(A.base(a), 8 * a.shape[1]) for a in flat]
-    po, so = A.base(out), 8 * int(np.prod(out_shape, dtype=np.int64))
-    for i in range(count):
-        if fn(*[p + i * s for p, s in steps], po + i * so) != 1:
-            return None, list(np.unravel_index(i, lead)) if lead else []
+    size = int(np.prod(out_shape, dtype=np.int64))
+    out = np.zeros((count, size))
+    pairs = ([chain, 0] if chain is not None else []) + \
+        [x for f in flat for x in (A.base(f), f.shape[1])] + [A.base(out), size] + \
+        ([None, 0] if tail else [])
+    results = np.zeros(count)
+    if count:
+        getattr(batch, "qzb_" + "p" * (len(pairs) // 2))(address(name), 3, count, *pairs,
+                                                          results.ctypes.data)
+    refused = np.flatnonzero(results != 1)
+    if refused.size:
+        return None, list(np.unravel_index(int(refused[0]), lead)) if lead else []
     return out.reshape(lead + out_shape), None
 
 
@@ -100,27 +107,27 @@ class Chain:
                                     A.finite(lambda_max, "lambda_max")),
                "length_scale, threshold, lambda_max")
 
-    def _mapped(self, fn, q, out_shape):
-        """fn(chain, q, out) over the leading axes of q: one call per configuration."""
+    def _mapped(self, name, q, out_shape, tail=False):
+        """The library's function `name`(chain, q, out) over the leading axes of q, one call of
+        the batch helper for the whole batch."""
         qa = A.array(q, "q", (self.n,), batch=True)
-        out, bad = _loop(lambda qp, op: fn(self._p, qp, op), [(qa, self.n)], out_shape)
+        out, bad = _loop(name, [(qa, self.n)], out_shape, chain=self._p, tail=tail)
         if bad is not None:
             raise InvalidArgumentError("q: beyond 1e4 rad" + _at(bad))
         return out
 
     def forward(self, q) -> np.ndarray:
         """Tool transforms (..., 4, 4) for joint angles (..., n) in radians."""
-        return self._mapped(raw.QZKin_Forward, q, (4, 4))
+        return self._mapped("QZKin_Forward", q, (4, 4))
 
     def pose(self, q) -> np.ndarray:
         """Tool poses (..., 7) x, y, z, qx, qy, qz, qw for joint angles (..., n)."""
-        return self._mapped(raw.QZKin_ForwardPosQuat, q, (7,))
+        return self._mapped("QZKin_ForwardPosQuat", q, (7,))
 
     def jacobian(self, q) -> np.ndarray:
         """Geometric Jacobians (..., 6, n) at the tool point in base axes: rows 0-2 linear,
         3-5 angular velocity per rad/s of each joint."""
-        return self._mapped(lambda c, qp, jp: raw.QZKin_Jacobian(c, qp, jp, None), q,
-                            (6, self.n))
+        return self._mapped("QZKin_Jacobian", q, (6, self.n), tail=True)
 
     def solve(self, j, twist) -> Velocities:
         """Joint velocities for a twist (6,) (linear, then angular) by damped least squares."""
@@ -151,7 +158,7 @@ def orientation_error(q_target, q_actual) -> np.ndarray:
     q_actual into q_target (x, y, z, w), accurate near 0 and pi."""
     qt = A.array(q_target, "q_target", (4,), batch=True)
     qa = A.array(q_actual, "q_actual", (4,), batch=True)
-    out, bad = _loop(raw.QZKin_OrientationError, [(qt, 4), (qa, 4)], (3,))
+    out, bad = _loop("QZKin_OrientationError", [(qt, 4), (qa, 4)], (3,))
     if bad is not None:
         raise InvalidArgumentError("q_target, q_actual: a quaternion of zero or absurd length"
                                    + _at(bad))

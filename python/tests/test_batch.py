@@ -83,3 +83,21 @@ def test_composed_and_stateful_batches_equal_their_element_calls():
                                     _api.ctypes.addressof(state))
         want.append(out)
     assert Q.Slerp(q[0], q2[0])(t).tobytes() == np.array(want).tobytes()
+
+
+def test_kinematics_batches_equal_their_element_calls():
+    from qzmath import kinematics as K
+    arm = K.Chain(np.hstack([RNG.uniform(-1.5, 1.5, (7, 1)), RNG.uniform(0, 300, (7, 2)),
+                             np.zeros((7, 1))]))
+    qs = RNG.uniform(-3.0, 3.0, size=(N, 7))
+    for batch, name, shape, tail in ((arm.forward, "QZKin_Forward", (4, 4), ()),
+                                     (arm.pose, "QZKin_ForwardPosQuat", (7,), ()),
+                                     (arm.jacobian, "QZKin_Jacobian", (6, 7), (None,))):
+        want = np.zeros((N,) + shape)
+        for i in range(N):
+            getattr(_api.raw, name)(arm._p, qs[i].ctypes.data, want[i].ctypes.data, *tail)
+        assert batch(qs).tobytes() == want.tobytes()
+    want = np.zeros((N, 3))
+    for i in range(N):
+        _api.raw.QZKin_OrientationError(q[i].ctypes.data, q2[i].ctypes.data, want[i].ctypes.data)
+    assert K.orientation_error(q, q2).tobytes() == want.tobytes()

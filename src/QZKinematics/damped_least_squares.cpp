@@ -8,8 +8,8 @@
 //
 // The estimate: the smallest eigenvalue of G is sigma^2, the largest of G^-1 is 1 / sigma^2.
 // A start vector that G^-1 magnifies strongly is built the way condition estimators build one
-// (solving L y = e with each e_k = +-1 chosen to make y_k larger, then x = L^-T D^-1 y), and
-// kRefineSteps steps of inverse iteration refine it. The Rayleigh quotient of a unit x,
+// (solving L y = e with each e_k = +-1 chosen to make y_k larger), and one step of inverse
+// iteration refines it. The Rayleigh quotient of a unit x,
 // mu = x^T G^-1 x = |D^-1/2 L^-1 x|^2, needs only the forward half of a solve; it lies within a
 // small factor of 1 / sigma^2 and converges fastest exactly where it matters, when sigma is far
 // below the next singular value. sigma is reported as 1 / sqrt(mu), which never lies below the
@@ -34,7 +34,6 @@ namespace qz::detail {
 namespace {
 
 constexpr double kPivotFloor = 1e-15;
-constexpr int kRefineSteps = 1;  // inverse-iteration steps after the start vector
 
 // G = L D L^T of the K x K symmetric g (lower triangle read): the strict lower triangle of L in
 // l, the reciprocals of D in invd. False when a pivot is at or below floor; every element is
@@ -118,23 +117,16 @@ double SmallestSingular(const double (&l)[K][K], const double *invd, double top,
         for (int m = 0; m < i; ++m) s = s + l[i][m] * x[m];
         x[i] = s > 0.0 ? -1.0 - s : 1.0 - s;
     }
+    // One step of inverse iteration, x = G^-1 y, then the Rayleigh quotient of x.
+    SolveUpper<K>(l, invs, x);
+    double n2 = 0.0;
+    QZ_KIN_UNROLL
+    for (int i = 0; i < K; ++i) n2 = n2 + x[i] * x[i];
+    SolveLowerBoth<K>(l, x, rhs);
     double mu = 0.0;
     QZ_KIN_UNROLL
-    for (int step = 0; step < kRefineSteps; ++step) {
-        SolveUpper<K>(l, invs, x);
-        double n2 = 0.0;
-        QZ_KIN_UNROLL
-        for (int i = 0; i < K; ++i) n2 = n2 + x[i] * x[i];
-        if (step + 1 < kRefineSteps) {
-            SolveLower<K>(l, x);
-        } else {
-            SolveLowerBoth<K>(l, x, rhs);
-        }
-        mu = 0.0;
-        QZ_KIN_UNROLL
-        for (int i = 0; i < K; ++i) mu = mu + x[i] * x[i] * invs[i];
-        mu = mu / n2;
-    }
+    for (int i = 0; i < K; ++i) mu = mu + x[i] * x[i] * invs[i];
+    mu = mu / n2;
     return Sqrt(top / mu);
 }
 
