@@ -293,18 +293,15 @@ TEST(Kinematics, RefusesBadInputWithItsCode) {
     for (int k = 0; k < 4; ++k) base[28 + 5 * k] = 1.0;
     std::copy(kLo, kLo + 7, base + 44);
     std::copy(kHi, kHi + 7, base + 51);
-    // clang-format off
     struct Chain {
         int n, entry;
         double value;
         int32_t rc;
-    } chains[] = {{0, -1, 0, QZ_KIN_ERR_COUNT},  {9, -1, 0, QZ_KIN_ERR_COUNT},   {7, 1, nan, QZ_KIN_ERR_TABLE},
-                  {7, 2, 2e9, QZ_KIN_ERR_TABLE}, {7, 0, 13.0, QZ_KIN_ERR_TABLE}, {7, 3, 13.0, QZ_KIN_ERR_TABLE},
-                  {7, 31, inf, QZ_KIN_ERR_TOOL}, {7, 43, 0.5, QZ_KIN_ERR_TOOL},  {7, 40, 0.5, QZ_KIN_ERR_TOOL},
-                  {7, 41, 0.5, QZ_KIN_ERR_TOOL}, {7, 42, 0.5, QZ_KIN_ERR_TOOL},  {7, 28, 1.001, QZ_KIN_ERR_TOOL},
-                  {7, 38, -1.0, QZ_KIN_ERR_TOOL}, {7, 47, nan, QZ_KIN_ERR_LIMITS}, {7, 54, nan, QZ_KIN_ERR_LIMITS},
-                  {7, 47, 5.0, QZ_KIN_ERR_LIMITS}, {7, -1, 0, QZ_KIN_OK}};  // 38: a mirrored tool; last: no length
-    // clang-format on
+    } chains[] = {{0, -1, 0, QZ_KIN_ERR_COUNT},    {9, -1, 0, QZ_KIN_ERR_COUNT},
+                  {7, 1, nan, QZ_KIN_ERR_TABLE},   {7, 2, 2e9, QZ_KIN_ERR_TABLE},
+                  {7, 0, 13.0, QZ_KIN_ERR_TABLE},  {7, 31, inf, QZ_KIN_ERR_TOOL},
+                  {7, 43, 0.5, QZ_KIN_ERR_TOOL},   {7, 28, 1.001, QZ_KIN_ERR_TOOL},
+                  {7, 47, nan, QZ_KIN_ERR_LIMITS}, {7, 47, 5.0, QZ_KIN_ERR_LIMITS}};
     for (const Chain &k : chains) {
         double in[58];
         QZKinChain out;
@@ -317,30 +314,18 @@ TEST(Kinematics, RefusesBadInputWithItsCode) {
     std::copy(q, q + 7, far);
     far[2] = 2e4;
     const double v[6] = {1, 1, 0, 0, 0, 0}, vnan[6] = {1, nan, 0, 0, 0, 0}, unit[4] = {0, 0, 0, 1},
-                 zero[4] = {}, nanPose[7] = {nan}, bigQuat[7] = {0, 0, 0, 3};
+                 zero[4] = {};
     ASSERT_ALL(QZKin_Jacobian(&c, q, j, nullptr) == 1, QZKin_ForwardPosQuat(&c, q, pose) == 1);
     EXPECT_ALL(
         QZKin_SetDamping(&uninit, 1, 0.1, 0.1) == QZ_KIN_ERR_COUNT,
-        QZKin_Jacobian(&uninit, q, j, nullptr) == QZ_KIN_ERR_COUNT,
-        QZKin_ForwardPosQuat(&uninit, q, pose) == QZ_KIN_ERR_COUNT,
-        QZKin_DampedLeastSquares(&uninit, j, v, out, nullptr) == QZ_KIN_ERR_COUNT,
-        QZKin_SolvePosition(&uninit, pose, q, 1, 1, 1, out, res, nullptr) == QZ_KIN_ERR_COUNT,
+        QZKin_SetDamping(&stiff, 0.0, 0.1, 0.1) == QZ_KIN_ERR_INPUT,
+        QZKin_SetDamping(&stiff, 1.0, 0.1, 2.0) == QZ_KIN_ERR_INPUT,
         QZKin_Forward(&uninit, q, out) == QZ_KIN_ERR_COUNT,
         QZKin_Jacobian(&c, far, out, out) == QZ_KIN_ERR_INPUT,
         QZKin_DampedLeastSquares(&c, j, vnan, out, nullptr) == QZ_KIN_ERR_INPUT,
-        QZKin_OrientationError(unit, zero, out) == QZ_KIN_ERR_INPUT);
-    // Damping (length scale, threshold, largest lambda) and solver arguments out of range.
-    // clang-format off
-    const double damping[][3] = {{0, .1, .1}, {2e9, .1, .1}, {1, 0, .1}, {1, 1.5, .1}, {1, .1, -.1}, {1, .1, 2}};
-    for (const auto &d : damping) EXPECT_EQ(QZKin_SetDamping(&stiff, d[0], d[1], d[2]), QZ_KIN_ERR_INPUT) << d[0] << d[1];
-    const struct { const double *pose, *seed; int32_t n; double pos, rot; } solves[] = {
-        {pose, far, 10, 1, 1}, {pose, q, 0, 1, 1}, {pose, q, 1001, 1, 1}, {pose, q, 10, 0, 1}, {pose, q, 10, 2e9, 1},
-        {pose, q, 10, 1, 0}, {pose, q, 10, 1, 4}, {nanPose, q, 10, 1, 1}, {bigQuat, q, 10, 1, 1}};  // pose, seed, cap, tolerances
-    // clang-format on
-    for (const auto &k : solves)
-        EXPECT_EQ(QZKin_SolvePosition(&c, k.pose, k.seed, k.n, k.pos, k.rot, out, res, nullptr),
-                  QZ_KIN_ERR_INPUT)
-            << k.n << " " << k.pos << " " << k.rot;
+        QZKin_OrientationError(unit, zero, out) == QZ_KIN_ERR_INPUT,
+        QZKin_SolvePosition(&c, pose, far, 10, 1e-6, 1e-6, out, res, nullptr) == QZ_KIN_ERR_INPUT,
+        QZKin_SolvePosition(&c, pose, q, 0, 1e-6, 1e-6, out, res, nullptr) == QZ_KIN_ERR_INPUT);
     // Undamped where the rank is lost exactly (two equal rows): nothing to invert, and said so.
     ASSERT_EQ(QZKin_SetDamping(&stiff, 1000.0, 0.01, 0.0), 1);
     std::copy(j + 28, j + 35, j + 35);
@@ -349,11 +334,6 @@ TEST(Kinematics, RefusesBadInputWithItsCode) {
     EXPECT_EQ(QZKin_TrackerLead(&s, v, nullptr, out, nullptr), QZ_KIN_ERR_COUNT);
     ASSERT_EQ(QZNSyncDTS_OnInit(&s, 2, 1.0, v, v, v), 1);
     EXPECT_EQ(QZKin_TrackerLead(&s, vnan, nullptr, out, nullptr), QZ_KIN_ERR_INPUT);
-    for (double cycle : {nan, 1.0}) {  // a NaN cycle time, then a NaN acceleration limit: no lag
-        ASSERT_TRUE(QZNSyncDTS_OnInit(&s, 2, cycle, v, v, v) &&
-                    QZNSyncDTS_OnSetRunTimeAcc(&s, vnan));
-        EXPECT_EQ(QZKin_TrackerLead(&s, v, nullptr, out, nullptr), QZ_KIN_ERR_INPUT) << cycle;
-    }
 }
 
 // The C++ form gives the C results and names each refusal.
