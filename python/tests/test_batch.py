@@ -87,17 +87,15 @@ def test_composed_and_stateful_batches_equal_their_element_calls():
 
 def test_kinematics_batches_equal_their_element_calls():
     from qzmath import kinematics as K
-    arm = K.Chain(np.hstack([RNG.uniform(-1.5, 1.5, (7, 1)), RNG.uniform(0, 300, (7, 2)),
-                             np.zeros((7, 1))]))
+    dh = np.hstack([RNG.uniform(-1.5, 1.5, (7, 1)), RNG.uniform(0, 300, (7, 2)), np.zeros((7, 1))])
+    arm = K.Chain(dh)
     qs = RNG.uniform(-3.0, 3.0, size=(N, 7))
-    for batch, name, shape, tail in ((arm.forward, "QZKin_Forward", (4, 4), ()),
-                                     (arm.pose, "QZKin_ForwardPosQuat", (7,), ()),
-                                     (arm.jacobian, "QZKin_Jacobian", (6, 7), (None,))):
-        want = np.zeros((N,) + shape)
+    for got, name, args in ((arm.forward(qs), "QZKin_Forward", lambda i: [arm._p, qs[i]]),
+                            (arm.jacobian(qs), "QZKin_Jacobian", lambda i: [arm._p, qs[i]]),
+                            (K.orientation_error(q, q2), "QZKin_OrientationError",
+                             lambda i: [q[i], q2[i]])):
+        want = np.zeros_like(got)
         for i in range(N):
-            getattr(_api.raw, name)(arm._p, qs[i].ctypes.data, want[i].ctypes.data, *tail)
-        assert batch(qs).tobytes() == want.tobytes()
-    want = np.zeros((N, 3))
-    for i in range(N):
-        _api.raw.QZKin_OrientationError(q[i].ctypes.data, q2[i].ctypes.data, want[i].ctypes.data)
-    assert K.orientation_error(q, q2).tobytes() == want.tobytes()
+            ptrs = [x if isinstance(x, int) else x.ctypes.data for x in args(i)]
+            getattr(_api.raw, name)(*ptrs, want[i].ctypes.data, *[None][:name == "QZKin_Jacobian"])
+        assert got.tobytes() == want.tobytes()
