@@ -9,16 +9,6 @@ namespace {
 const double kPi = 3.141592653589793;
 const double kHalfPi = 1.5707963267948966;
 
-Doubles Join(std::initializer_list<Doubles> parts) {
-    Doubles all;
-    for (const Doubles &p : parts) all.insert(all.end(), p.begin(), p.end());
-    return all;
-}
-Doubles Randoms(int n, double lo, double hi) {
-    Doubles v;
-    for (int k = 0; k < n; ++k) v.push_back(Uniform(lo, hi));
-    return v;
-}
 Doubles AnyBitsN(int n) {
     Doubles v;
     for (int k = 0; k < n; ++k) v.push_back(AnyBits());

@@ -14,16 +14,6 @@ namespace {
 
 const double kHalfPi = 1.5707963267948966;
 
-Doubles Join(std::initializer_list<Doubles> parts) {
-    Doubles all;
-    for (const Doubles &p : parts) all.insert(all.end(), p.begin(), p.end());
-    return all;
-}
-Doubles Randoms(int n, double lo, double hi) {
-    Doubles v;
-    for (int k = 0; k < n; ++k) v.push_back(Uniform(lo, hi));
-    return v;
-}
 Doubles Padded(Doubles v, size_t n) {
     v.resize(n, 0.0);
     return v;

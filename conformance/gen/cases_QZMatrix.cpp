@@ -12,16 +12,9 @@ const double kPi = 3.141592653589793;
 const double kHalfPi = 1.5707963267948966;
 const double kDeg = 0.017453292519943295;
 
-Doubles Join(std::initializer_list<Doubles> parts) {
-    Doubles all;
-    for (const Doubles &p : parts) all.insert(all.end(), p.begin(), p.end());
-    return all;
-}
-Doubles Randoms(int n, double lo = -10, double hi = 10) {
-    Doubles v;
-    for (int k = 0; k < n; ++k) v.push_back(Uniform(lo, hi));
-    return v;
-}
+using qzgen::Randoms;
+// n values from the range most cases of this module draw from.
+Doubles Randoms(int n) { return Randoms(n, -10, 10); }
 Doubles Filled(int n, double x) { return Doubles(n, x); }
 // n values from the specials, cycling, so every special meets every position over a few cases.
 Doubles SpecialMix(int n, int shift) {

@@ -10,16 +10,9 @@ namespace {
 
 const double kPi = 3.141592653589793;
 
-Doubles Join(std::initializer_list<Doubles> parts) {
-    Doubles all;
-    for (const Doubles &p : parts) all.insert(all.end(), p.begin(), p.end());
-    return all;
-}
-Doubles Randoms(int n, double lo = -1, double hi = 1) {
-    Doubles v;
-    for (int k = 0; k < n; ++k) v.push_back(Uniform(lo, hi));
-    return v;
-}
+using qzgen::Randoms;
+// n values from the range most cases of this module draw from.
+Doubles Randoms(int n) { return Randoms(n, -1, 1); }
 double Ulps(double x, int k) {
     for (; k > 0; --k) x = Up(x);
     for (; k < 0; ++k) x = Down(x);

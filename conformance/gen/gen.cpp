@@ -150,6 +150,16 @@ double Uniform(double lo, double hi) {
     return lo + (hi - lo) * u;
 }
 double AnyBits() { return FromBits(Rng()()); }
+Doubles Randoms(int n, double lo, double hi) {
+    Doubles v;
+    for (int k = 0; k < n; ++k) v.push_back(Uniform(lo, hi));
+    return v;
+}
+Doubles Join(std::initializer_list<Doubles> parts) {
+    Doubles all;
+    for (const Doubles &p : parts) all.insert(all.end(), p.begin(), p.end());
+    return all;
+}
 
 }  // namespace qzgen
 

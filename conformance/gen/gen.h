@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <functional>
+#include <initializer_list>
 #include <limits>
 #include <random>
 #include <string>
@@ -73,6 +74,10 @@ Doubles Specials();
 std::mt19937_64 &Rng();
 double Uniform(double lo, double hi);
 double AnyBits();  // any 64-bit pattern (NaNs, infinities, subnormals included)
+// n values drawn uniformly from [lo, hi), in order.
+Doubles Randoms(int n, double lo, double hi);
+// The parts one after another.
+Doubles Join(std::initializer_list<Doubles> parts);
 
 }  // namespace qzgen
 
